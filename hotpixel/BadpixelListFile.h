@@ -1,0 +1,40 @@
+#pragma once
+
+#include "hotpixel/BadpixelEntry.h"
+
+#include <QString>
+
+#include <span>
+#include <vector>
+
+/// The text file of a hotpixel list: one entry per line, x, y and class in decimal.
+namespace hotpixel {
+
+/// Writes the user entries among @p entries in their order, "x y 1" and a line end each (CR LF on
+/// Windows); all others are left out.
+///
+/// An existing file is replaced only when the new one is complete, so a failure leaves it as it
+/// was. The exception is a file in a folder in which no other file can be made, and a device: those
+/// are written in place.
+///
+/// @throws std::runtime_error "Can't open file for writing." when @p filename can't be made or
+///         written to, or is a folder or a pipe.
+/// @throws std::runtime_error "Can't write file." when the disk is full or fails.
+void writeListFile(const QString& filename, std::span<const BadpixelEntry> entries);
+
+/// Reads the entries of a list file; each line gives one, whatever is in it.
+///
+/// A line is read as QTextStream reads three unsigned integers from it: white space separates them
+/// and may be missing where a character can't continue a number; a prefix 0x, 0b or 0 chooses the
+/// base; a sign is taken; a number that overflows wraps around; what is no number reads as 0, and
+/// so does all that follows; the rest of the line is ignored. The entry takes the low 16, 16 and 8
+/// bits. A byte order mark tells UTF-16 and UTF-32; all else is UTF-8. Carriage returns are
+/// ignored. A last line needs no line end. A file with content but no line is one empty line.
+///
+/// Takes memory for the entries only, however long the lines are.
+///
+/// @throws std::runtime_error "Can't open file for reading." when @p filename is missing,
+///         unreadable, or no regular file. An error while reading ends the file.
+std::vector<BadpixelEntry> readListFile(const QString& filename);
+
+} // namespace hotpixel

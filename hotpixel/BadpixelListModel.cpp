@@ -1,0 +1,396 @@
+#include "hotpixel/BadpixelListModel.h"
+
+#include "camera/CameraSdk.h"
+#include "hotpixel/BadpixelListFile.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <stdexcept>
+#include <vector>
+
+#if __has_include("camera/Camera.h") && __has_include("support/QuickSort.h")
+#include "camera/Camera.h"
+#include "support/QuickSort.h"
+#else
+// Until the camera is there.
+class Camera
+{
+public:
+    [[nodiscard]] CameraSdk& sdk() const { return *m_sdk; }
+    [[nodiscard]] CameraSdk::Handle handle() const { return m_handle; }
+
+private:
+    CameraSdk* m_sdk = nullptr;
+    CameraSdk::Handle m_handle = 0;
+};
+namespace support {
+template <typename Iterator, typename Less>
+void quickSort(Iterator first, Iterator last, Less less)
+{
+    std::sort(first, last, less);
+}
+} // namespace support
+#endif
+
+namespace {
+
+constexpr int MaxCameraListCount = 1000;   ///< greater counts are not read from a camera
+constexpr std::size_t MaxListCount = 5000; ///< of addBadpixel() without the camera's limit
+
+/// Bytes in a list buffer of @p count entries: a word for the count and two for each entry.
+std::int32_t listBufferSize(std::size_t count)
+{
+    return static_cast<std::int32_t>(count * 4 + 2);
+}
+
+std::uint32_t positionKey(const BadpixelEntry& entry)
+{
+    return static_cast<std::uint32_t>(entry.x) << 16U | entry.y;
+}
+
+bool blocksAddition(const BadpixelEntry& entry)
+{
+    return entry.pixelClass == FactoryPixel || entry.pixelClass == UserPixel;
+}
+
+/// The coordinates in one of the camera's lists, x and y in turn; empty when it can't be read.
+std::vector<std::uint16_t> readCameraList(CameraSdk& sdk, CameraSdk::Handle handle,
+                                          std::int32_t command, std::size_t count)
+{
+    std::vector<std::uint16_t> buffer(count * 2 + 1);
+    if (sdk.hotpixelCommand(handle, command, buffer.data(), listBufferSize(count)) != 0) {
+        return {};
+    }
+    buffer.erase(buffer.begin());
+    return buffer;
+}
+
+template <typename Key>
+void sortByKey(std::span<BadpixelEntry> entries, Qt::SortOrder order, Key BadpixelEntry::*key)
+{
+    if (order == Qt::AscendingOrder) {
+        support::quickSort(
+            entries.begin(), entries.end(),
+            [key](const BadpixelEntry& a, const BadpixelEntry& b) { return a.*key < b.*key; });
+    } else {
+        support::quickSort(
+            entries.begin(), entries.end(),
+            [key](const BadpixelEntry& a, const BadpixelEntry& b) { return a.*key > b.*key; });
+    }
+}
+
+} // namespace
+
+BadpixelListModel::BadpixelListModel(QObject* parent)
+    : QAbstractTableModel(parent)
+    , m_headers{tr("x"), tr("y"), tr("class")}
+{}
+
+int BadpixelListModel::rowCount(const QModelIndex& /*parent*/) const
+{
+    return static_cast<int>(m_entries.size());
+}
+
+int BadpixelListModel::columnCount(const QModelIndex& /*parent*/) const
+{
+    return static_cast<int>(m_headers.size());
+}
+
+QVariant BadpixelListModel::data(const QModelIndex& index, int role) const
+{
+    if ((role != Qt::DisplayRole && role != Qt::EditRole) || !index.isValid() ||
+        !hasRow(index.row())) {
+        return {};
+    }
+    const BadpixelEntry& entry = m_entries[static_cast<std::size_t>(index.row())];
+    switch (index.column()) {
+    case 0:
+        return int{entry.x};
+    case 1:
+        return int{entry.y};
+    case 2:
+        // The words are deliberately not the names of the values: users of this editor know the
+        // classes by these words, and the window enables its commands by them.
+        switch (entry.pixelClass) {
+        case FactoryPixel:
+            return QStringLiteral("ignore");
+        case UserPixel:
+            return QStringLiteral("user");
+        default:
+            return QStringLiteral("factory");
+        }
+    default:
+        return {};
+    }
+}
+
+bool BadpixelListModel::setData(const QModelIndex& index, const QVariant& value, int /*role*/)
+{
+    if (!hasRow(index.row()) || index.column() < 0 || index.column() >= columnCount()) {
+        return false;
+    }
+    BadpixelEntry& entry = m_entries[static_cast<std::size_t>(index.row())];
+    BadpixelEntry changed = entry;
+    if (index.column() == 2) {
+        // "user" and "ignore" succeed without effect on purpose: a factory or ignored entry can't
+        // be made one that is written to the camera.
+        if (value.toString() == QLatin1String("factory")) {
+            changed.pixelClass = FactoryPixel;
+        }
+    } else {
+        bool isInteger = false;
+        const auto coordinate = static_cast<std::uint16_t>(value.toInt(&isInteger));
+        if (!isInteger) {
+            return false;
+        }
+        (index.column() == 0 ? changed.x : changed.y) = coordinate;
+    }
+    indexEntry(entry, -1);
+    entry = changed;
+    indexEntry(entry, 1);
+    emit dataChanged(index, index);
+    return true;
+}
+
+QVariant BadpixelListModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (role != Qt::DisplayRole) {
+        return {};
+    }
+    if (orientation != Qt::Horizontal) {
+        return section;
+    }
+    return section >= 0 && section < m_headers.size() ? m_headers.at(section) : QVariant();
+}
+
+bool BadpixelListModel::insertRows(int row, int count, const QModelIndex& /*parent*/)
+{
+    if (count < 1) {
+        return true;
+    }
+    const int first = std::clamp(row, 0, rowCount());
+    const BadpixelEntry entry;
+    beginInsertRows(QModelIndex(), first, first + count - 1);
+    m_entries.insert(static_cast<std::size_t>(first), static_cast<std::size_t>(count), entry);
+    indexEntry(entry, count);
+    endInsertRows();
+    return true;
+}
+
+bool BadpixelListModel::removeRows(int row, int count, const QModelIndex& /*parent*/)
+{
+    if (count < 1) {
+        return true;
+    }
+    // All rows are announced, also those behind the end of the list.
+    beginRemoveRows(QModelIndex(), row, row + count - 1);
+    for (int pass = 0; pass < count && hasRow(row); ++pass) {
+        const auto position = static_cast<std::size_t>(row);
+        indexEntry(m_entries[position], -1);
+        m_entries.erase(position);
+    }
+    endRemoveRows();
+    return true;
+}
+
+Qt::ItemFlags BadpixelListModel::flags(const QModelIndex& /*index*/) const
+{
+    return Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+}
+
+BadpixelEntry BadpixelListModel::badpixelAt(int row) const
+{
+    return hasRow(row) ? m_entries[static_cast<std::size_t>(row)] : BadpixelEntry{};
+}
+
+QModelIndex BadpixelListModel::findBadpixel(const QPoint& position, int tolerance) const
+{
+    const auto near = [tolerance = std::int64_t{tolerance}](std::int64_t centre,
+                                                            std::int64_t coordinate) {
+        return centre - tolerance < coordinate && coordinate < centre + tolerance;
+    };
+    const std::span<const BadpixelEntry> all = entries();
+    const auto found = std::find_if(all.begin(), all.end(), [&](const BadpixelEntry& entry) {
+        return near(position.x(), entry.x) && near(position.y(), entry.y);
+    });
+    return found == all.end() ? QModelIndex() : index(static_cast<int>(found - all.begin()), 0);
+}
+
+bool BadpixelListModel::addBadpixel(const QPoint& position)
+{
+    // The limit comes before the duplicate, so a full list refuses what it holds already, too. And
+    // the text names the camera's limit even where that of 5000 applies.
+    const bool full = m_limitByCamera
+                          ? std::int64_t{rowCount()} - m_factoryCount >= m_maxUserEntries
+                          : m_entries.size() >= MaxListCount;
+    if (full) {
+        throw std::runtime_error(
+            tr("Can't add more than %1 hotpixel entries.").arg(m_maxUserEntries).toStdString());
+    }
+
+    const BadpixelEntry entry{static_cast<std::uint16_t>(position.x()),
+                              static_cast<std::uint16_t>(position.y()), UserPixel};
+    if (isTaken(entry)) {
+        return false;
+    }
+
+    beginInsertRows(QModelIndex(), rowCount(), rowCount());
+    m_entries.append(entry);
+    indexEntry(entry, 1);
+    endInsertRows();
+    emit pixelAdded(1);
+    return true;
+}
+
+bool BadpixelListModel::removeUserBadpixel(int row)
+{
+    if (!hasRow(row) || badpixelAt(row).pixelClass != UserPixel) {
+        return false;
+    }
+    return removeRows(row, 1);
+}
+
+void BadpixelListModel::getBadpixelList(Camera* cam)
+{
+    clearBadpixelList();
+    if (cam == nullptr) {
+        return;
+    }
+    CameraSdk& sdk = cam->sdk();
+    const CameraSdk::Handle handle = cam->handle();
+
+    // Results are ignored on purpose: a camera that does not answer keeps the limits as they were.
+    sdk.hotpixelCommand(handle, camera::GetMaxUserEntries, &m_maxUserEntries,
+                        sizeof m_maxUserEntries);
+    sdk.hotpixelCommand(handle, camera::GetFactoryCount, &m_factoryCount, sizeof m_factoryCount);
+    if (m_factoryCount >= 1 && m_factoryCount <= MaxCameraListCount) {
+        appendCameraEntries(readCameraList(sdk, handle, camera::GetFactoryList,
+                                           static_cast<std::size_t>(m_factoryCount)),
+                            FactoryPixel);
+    }
+
+    std::uint32_t userCount = 0;
+    sdk.hotpixelCommand(handle, camera::GetUserCount, &userCount, sizeof userCount);
+    if (userCount >= 1 && userCount <= MaxCameraListCount) {
+        appendCameraEntries(readCameraList(sdk, handle, camera::GetUserList, userCount), UserPixel);
+    }
+}
+
+void BadpixelListModel::writeBadpixelList(Camera* cam)
+{
+    std::vector<std::uint16_t> buffer(1);
+    for (const BadpixelEntry& entry : entries()) {
+        if (entry.pixelClass == UserPixel) {
+            buffer.push_back(entry.x);
+            buffer.push_back(entry.y);
+        }
+    }
+    const std::size_t count = buffer.size() / 2;
+    buffer.front() = static_cast<std::uint16_t>(count);
+
+    const std::int32_t result =
+        count > 0 ? cam->sdk().hotpixelCommand(cam->handle(), camera::SetUserList, buffer.data(),
+                                               listBufferSize(count))
+                  : cam->sdk().hotpixelCommand(cam->handle(), camera::DeleteUserList, nullptr, 0);
+    if (result != 0) {
+        throw std::runtime_error(tr("Error writing hotpixel list").toStdString());
+    }
+}
+
+void BadpixelListModel::clearUserBadpixelList()
+{
+    m_taken.reset();
+    int row = 0;
+    while (row < rowCount()) {
+        if (!removeUserBadpixel(row)) {
+            ++row;
+        }
+    }
+}
+
+void BadpixelListModel::clearBadpixelList()
+{
+    if (rowCount() == 0) {
+        return;
+    }
+    beginRemoveRows(QModelIndex(), 0, rowCount() - 1);
+    m_entries.clear();
+    m_taken.reset();
+    endRemoveRows();
+}
+
+void BadpixelListModel::saveAsFile(QString filename)
+{
+    hotpixel::writeListFile(filename, entries());
+}
+
+void BadpixelListModel::loadFromFile(QString filename)
+{
+    // Before the file is opened: when that fails, the user entries stay gone.
+    clearUserBadpixelList();
+    m_entries.append(hotpixel::readListFile(filename));
+    m_taken.reset();
+    // Deliberately the only announcement, also for the rows that came.
+    emit layoutChanged();
+}
+
+void BadpixelListModel::sort(int column, Qt::SortOrder order)
+{
+    if (rowCount() == 0) {
+        return;
+    }
+    // A single entry is never compared, so it is "sorted" by any column.
+    if (rowCount() > 1) {
+        const bool ordered = order == Qt::AscendingOrder || order == Qt::DescendingOrder;
+        if (column < 0 || column >= columnCount() || !ordered) {
+            throw std::runtime_error(tr("Sort Error").toStdString());
+        }
+        switch (column) {
+        case 0:
+            sortByKey(m_entries.all(), order, &BadpixelEntry::x);
+            break;
+        case 1:
+            sortByKey(m_entries.all(), order, &BadpixelEntry::y);
+            break;
+        default:
+            sortByKey(m_entries.all(), order, &BadpixelEntry::pixelClass);
+            break;
+        }
+    }
+    // Without layoutAboutToBeChanged() on purpose: selections stay with their rows, not with the
+    // entries that move.
+    emit layoutChanged();
+}
+
+void BadpixelListModel::appendCameraEntries(std::span<const std::uint16_t> coordinates,
+                                            Pixelclass pixelClass)
+{
+    if (coordinates.empty()) {
+        return;
+    }
+    // Deliberately announced as the first rows, also where entries stand before them.
+    beginInsertRows(QModelIndex(), 0, static_cast<int>(coordinates.size() / 2) - 1);
+    for (std::size_t word = 0; word < coordinates.size(); word += 2) {
+        m_entries.append({coordinates[word], coordinates[word + 1], pixelClass});
+    }
+    m_taken.reset();
+    endInsertRows();
+}
+
+bool BadpixelListModel::isTaken(const BadpixelEntry& candidate)
+{
+    if (!m_taken) {
+        m_taken.emplace();
+        for (const BadpixelEntry& entry : entries()) {
+            indexEntry(entry, 1);
+        }
+    }
+    return m_taken->value(positionKey(candidate)) > 0;
+}
+
+void BadpixelListModel::indexEntry(const BadpixelEntry& entry, int change)
+{
+    if (m_taken && blocksAddition(entry)) {
+        (*m_taken)[positionKey(entry)] += change;
+    }
+}
