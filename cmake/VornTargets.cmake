@@ -2,6 +2,9 @@
 # about its target is said here, once.
 
 get_filename_component(VORN_ROOT "${CMAKE_CURRENT_LIST_DIR}/.." ABSOLUTE)
+if(WIN32)
+  include(VornWindows)
+endif()
 
 # Warnings and sanitizers sit on interface targets that are linked privately, so neither reaches a
 # build that only uses the libraries.
@@ -90,6 +93,9 @@ function(vorn_executable name)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
   if(arg_WINDOWED)
     set_target_properties(${name} PROPERTIES WIN32_EXECUTABLE ON)
+  endif()
+  if(WIN32)
+    _vorn_windows_program(${name})
   endif()
 endfunction()
 
