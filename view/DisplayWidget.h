@@ -12,6 +12,7 @@
 class BadpixelListModel;
 class QItemSelectionModel;
 class QLabel;
+Q_MOC_INCLUDE(<QItemSelectionModel>)
 
 /// Shows the latest camera image at a scale or fitted to the widget, on demand with marks over it:
 /// one for each entry of the hotpixel list, one for the selected entry, and a cross at the

@@ -1,0 +1,257 @@
+#include "view/DisplayWidget.h"
+
+#include "hotpixel/BadpixelListModel.h"
+
+#include <QItemSelectionModel>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScrollBar>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr double MagnifierCrossOpacity = 0.3;
+constexpr double SmallestScaleWithCross = 1.0;
+constexpr int MarkReach = 4;
+constexpr int SelectionMarkReach = 6;
+constexpr int SelectionMarkWidth = 3;
+constexpr int ClickTolerance = 7;
+
+/// `value` cut toward zero; a scale without bounds must not overflow the int.
+int cutToInt(double value)
+{
+    constexpr double Greatest = std::numeric_limits<int>::max();
+    return static_cast<int>(std::clamp(value, -Greatest, Greatest));
+}
+
+/// The logical pixel that the pointer is over. On a dense screen the pointer stands between two of
+/// them, and rounding would take the next one.
+QPoint pixelUnder(const QPointF& position)
+{
+    return {cutToInt(std::floor(position.x())), cutToInt(std::floor(position.y()))};
+}
+
+/// The square of pixels around an entry's pixel, `reach` pixels to each side.
+QRect markRect(const BadpixelEntry& entry, int reach)
+{
+    return {QPoint(entry.x - reach, entry.y - reach), QPoint(entry.x + reach, entry.y + reach)};
+}
+
+Qt::GlobalColor markColor(std::uint8_t pixelClass)
+{
+    switch (pixelClass) {
+    case FactoryPixel:
+        return Qt::yellow;
+    case UserPixel:
+        return Qt::green;
+    default:
+        return Qt::red;
+    }
+}
+
+} // namespace
+
+DisplayWidget::DisplayWidget(QWidget* parent)
+    : QScrollArea(parent)
+    , m_label(new QLabel)
+{
+    m_label->setBackgroundRole(QPalette::Base);
+    m_label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+    m_label->setScaledContents(true);
+    setBackgroundRole(QPalette::Dark);
+    setWidget(m_label);
+}
+
+void DisplayWidget::setModel(BadpixelListModel* model)
+{
+    m_model = model;
+}
+
+void DisplayWidget::setBufferSize(ImageInfo info)
+{
+    m_bufferInfo = info;
+}
+
+void DisplayWidget::setImage(QImage& image)
+{
+    m_image = image;
+    redrawImage();
+}
+
+void DisplayWidget::clear()
+{
+    m_label->clear();
+}
+
+void DisplayWidget::redrawImage()
+{
+    QImage picture = m_image.convertToFormat(QImage::Format_RGB32);
+    if (picture.isNull()) {
+        return;
+    }
+    if (m_highlight) {
+        drawMarks(picture);
+    }
+
+    QImage shown = scaled(picture);
+    if (shown.isNull()) {
+        m_scale /= 2.0;
+        shown = scaled(picture);
+        emit scaleChanged(cutToInt(m_scale));
+    }
+    picture = QImage();
+    // Only an RGB32 frame that was neither marked nor scaled still shares the camera's memory,
+    // which the label must not show: the camera writes the next frame into it and frees it at
+    // closing.
+    shown.detach();
+
+    m_label->setPixmap(QPixmap::fromImage(std::move(shown)));
+    m_label->adjustSize();
+}
+
+void DisplayWidget::setHighlight(bool enabled)
+{
+    m_highlight = enabled;
+}
+
+void DisplayWidget::setSelectionModel(QItemSelectionModel* selectionModel)
+{
+    m_selectionModel = selectionModel;
+}
+
+void DisplayWidget::setScale(double scale)
+{
+    m_scale = scale;
+}
+
+void DisplayWidget::updateMagnifierPosition(QPoint pos)
+{
+    m_magnifierPos = pos;
+}
+
+void DisplayWidget::drawMarks(QImage& picture) const
+{
+    QPainter painter(&picture);
+    if (m_scale >= SmallestScaleWithCross) {
+        painter.setPen(Qt::red);
+        painter.setOpacity(MagnifierCrossOpacity);
+        painter.drawLine(m_magnifierPos.x(), 0, m_magnifierPos.x(), picture.height());
+        painter.drawLine(0, m_magnifierPos.y(), picture.width(), m_magnifierPos.y());
+        painter.setOpacity(1.0);
+    }
+    if (m_model == nullptr) {
+        return;
+    }
+
+    painter.setRenderHint(QPainter::Antialiasing);
+    const int rows = m_model->rowCount();
+    for (int row = 0; row < rows; ++row) {
+        const BadpixelEntry entry = m_model->badpixelAt(row);
+        painter.setPen(markColor(entry.pixelClass));
+        painter.drawEllipse(markRect(entry, MarkReach));
+    }
+
+    if (m_selectionModel == nullptr) {
+        return;
+    }
+    const QModelIndexList selected = m_selectionModel->selectedIndexes();
+    if (!selected.isEmpty() && selected.constFirst().row() < rows) {
+        painter.setPen(QPen(Qt::blue, SelectionMarkWidth));
+        painter.drawEllipse(
+            markRect(m_model->badpixelAt(selected.constFirst().row()), SelectionMarkReach));
+    }
+}
+
+QImage DisplayWidget::scaled(const QImage& picture) const
+{
+    const QSize size = m_scale == 0.0 ? QSize(width() - 2, height() - 2)
+                                      : QSize(cutToInt(picture.width() * m_scale),
+                                              cutToInt(picture.height() * m_scale));
+    return picture.scaled(size, Qt::KeepAspectRatio, Qt::FastTransformation);
+}
+
+std::optional<QPoint> DisplayWidget::imagePosition(const QPointF& viewportPosition) const
+{
+    const QPointF position = m_label->mapFromParent(viewportPosition);
+    if (m_scale != 0.0) {
+        return QPoint(cutToInt(position.x() / m_scale), cutToInt(position.y() / m_scale));
+    }
+    // Fitted to the widget, what is under the pointer follows from the picture that is shown.
+    const QSize shown = m_label->pixmap().size();
+    if (shown.isEmpty() || m_image.isNull()) {
+        return std::nullopt;
+    }
+    return QPoint(cutToInt(position.x() * m_image.width() / shown.width()),
+                  cutToInt(position.y() * m_image.height() / shown.height()));
+}
+
+void DisplayWidget::click(const QPoint& position)
+{
+    const QModelIndex hit =
+        m_model != nullptr ? m_model->findBadpixel(position, ClickTolerance) : QModelIndex();
+    if (hit.isValid()) {
+        if (m_selectionModel != nullptr) {
+            m_selectionModel->select(hit, QItemSelectionModel::ClearAndSelect |
+                                              QItemSelectionModel::Rows);
+        }
+        return;
+    }
+    if (m_selectionModel != nullptr) {
+        m_selectionModel->select(QModelIndex(), QItemSelectionModel::Clear);
+    }
+    emit positionClicked(position);
+}
+
+bool DisplayWidget::event(QEvent* event)
+{
+    if (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::MouseMove) {
+        return QScrollArea::event(event);
+    }
+    auto* const mouse = static_cast<QMouseEvent*>(event);
+    QMouseEvent inViewport(mouse->type(), viewport()->mapFromParent(mouse->position()),
+                           mouse->globalPosition(), mouse->button(), mouse->buttons(),
+                           mouse->modifiers(), mouse->pointingDevice());
+    if (mouse->type() == QEvent::MouseButtonPress) {
+        mousePressEvent(&inViewport);
+    } else {
+        mouseMoveEvent(&inViewport);
+    }
+    event->setAccepted(inViewport.isAccepted());
+    return true;
+}
+
+void DisplayWidget::mousePressEvent(QMouseEvent* event)
+{
+    if (event->buttons().testFlag(Qt::RightButton)) {
+        m_lastMousePos = pixelUnder(event->position());
+    } else if (event->buttons().testFlag(Qt::LeftButton)) {
+        if (const std::optional<QPoint> position = imagePosition(event->position())) {
+            click(*position);
+        }
+    } else {
+        event->ignore();
+    }
+}
+
+void DisplayWidget::mouseMoveEvent(QMouseEvent* event)
+{
+    if (!event->buttons().testFlag(Qt::RightButton)) {
+        event->ignore();
+        return;
+    }
+    const QPoint position = pixelUnder(event->position());
+    const QPoint travel = m_lastMousePos - position;
+    horizontalScrollBar()->setValue(horizontalScrollBar()->value() + travel.x());
+    verticalScrollBar()->setValue(verticalScrollBar()->value() + travel.y());
+    m_lastMousePos = position;
+}
+
+void DisplayWidget::keyPressEvent(QKeyEvent* event)
+{
+    event->ignore();
+}
