@@ -1,0 +1,28 @@
+#include "camera/SdkExtras.h"
+#include "simulator/SimulatedCameraSdk.h"
+#include "simulator/SimulatedCamerasWindow.h"
+
+#include <QCoreApplication>
+
+std::vector<SdkSwitch> sdkSwitches()
+{
+    const auto cover = [](CameraSdk& sdk, std::uint32_t devId) {
+        if (auto* simulated = dynamic_cast<SimulatedCameraSdk*>(&sdk)) {
+            simulated->setCovered(simulated->serialOf(devId), true);
+        }
+    };
+    return {{QStringLiteral("cover"),
+             QCoreApplication::translate("SdkExtras", "Put the lens cap on the simulated camera."),
+             cover}};
+}
+
+std::unique_ptr<QObject> createSdkWindow(CameraSdk& sdk)
+{
+    auto* simulated = dynamic_cast<SimulatedCameraSdk*>(&sdk);
+    if (simulated == nullptr) {
+        return nullptr;
+    }
+    auto window = std::make_unique<SimulatedCamerasWindow>(*simulated);
+    window->show();
+    return window;
+}
