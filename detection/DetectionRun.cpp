@@ -1,0 +1,111 @@
+#include "detection/DetectionRun.h"
+
+#include "detection/HotpixelDetector.h"
+#include "hotpixel/BadpixelListModel.h"
+
+#include <exception>
+
+namespace {
+
+/// The value that the progress bar was last given; one for the whole program.
+int progress = 0;
+
+} // namespace
+
+DetectionRun::DetectionRun(BadpixelListModel& list, QObject* parent)
+    : QObject(parent)
+    , m_list(list)
+{}
+
+void DetectionRun::start(bool clear, int threshold)
+{
+    m_threshold = threshold;
+    if (clear) {
+        m_list.clearUserBadpixelList();
+    }
+    m_running = true;
+}
+
+void DetectionRun::cancel()
+{
+    m_frames.clear();
+    stopCollecting();
+}
+
+DetectionRun::Step DetectionRun::addFrame(const QImage& image)
+{
+    if (!m_running) {
+        return Step::Idle;
+    }
+    if (m_frames.size() >= FrameCount) {
+        stopCollecting();
+        return Step::Ready;
+    }
+    // The camera goes on writing into the memory behind its image.
+    m_frames.append(image.copy());
+    progress += ProgressStep;
+    emit progressed(progress);
+    if (!isDark(m_frames.last())) {
+        cancel();
+        return Step::NotDark;
+    }
+    return Step::Collected;
+}
+
+void DetectionRun::evaluate(int colorMode)
+{
+    {
+        HotpixelDetector detector(m_threshold);
+        connect(&detector, &HotpixelDetector::detectionFinished, this,
+                &DetectionRun::detectionFinished);
+        try {
+            detector.setImages(colorMode, &m_frames);
+            mergeHotpixels(detector);
+        } catch (const std::exception& e) {
+            BadpixelListModel unlimited;
+            unlimited.setLimitByCamera(false);
+            detector.detect(&unlimited);
+            emit foundWithoutLimit(unlimited.rowCount());
+            emit failed(QString::fromUtf8(e.what()));
+        }
+    }
+    m_frames.clear();
+    emit finished();
+}
+
+void DetectionRun::mergeHotpixels(HotpixelDetector& detector)
+{
+    // It has the limit of the main list, so that too many hotpixels fail before that is touched.
+    BadpixelListModel working;
+    working.setMaxUserEntries(m_list.maxUserEntries());
+    working.setFactoryCount(m_list.factoryCount());
+    for (int row = 0; row < m_list.rowCount(); ++row) {
+        const BadpixelEntry entry = m_list.badpixelAt(row);
+        working.addBadpixel(QPoint(entry.x, entry.y));
+    }
+    detector.detect(&working);
+    // All of them, also those that it came with. The list refuses those as duplicates, unless it is
+    // full: then it throws.
+    for (int row = 0; row < working.rowCount(); ++row) {
+        const BadpixelEntry entry = working.badpixelAt(row);
+        m_list.addBadpixel(QPoint(entry.x, entry.y));
+    }
+}
+
+bool DetectionRun::isDark(const QImage& image)
+{
+    const uchar* bytes = image.constBits();
+    int bright = 0;
+    for (qsizetype i = 0; i < image.sizeInBytes(); ++i) {
+        if (bytes[i] > BrightLevel && ++bright > MaxBrightBytes) {
+            return false;
+        }
+    }
+    return true;
+}
+
+void DetectionRun::stopCollecting()
+{
+    m_running = false;
+    progress = 0;
+}
