@@ -12,19 +12,48 @@
 #include <cstdint>
 #include <filesystem>
 #include <stdexcept>
+#include <system_error>
 
 namespace hotpixel {
 namespace {
+
+constexpr const char* CantOpenForReading =
+    QT_TRANSLATE_NOOP("BadpixelListModel", "Can't open file for reading.");
+constexpr const char* CantOpenForWriting =
+    QT_TRANSLATE_NOOP("BadpixelListModel", "Can't open file for writing.");
+constexpr const char* CantWrite = QT_TRANSLATE_NOOP("BadpixelListModel", "Can't write file.");
 
 [[noreturn]] void fail(const char* text)
 {
     throw std::runtime_error(QCoreApplication::translate("BadpixelListModel", text).toStdString());
 }
 
+void openForWriting(QFileDevice& file)
+{
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
+        fail(CantOpenForWriting);
+    }
+}
+
+void writeEntries(QFileDevice& file, std::span<const BadpixelEntry> entries)
+{
+    QTextStream stream(&file);
+    for (const BadpixelEntry& entry : entries) {
+        if (entry.pixelClass == UserPixel) {
+            stream << entry.x << ' ' << entry.y << " 1\n";
+        }
+    }
+    stream.flush();
+    if (stream.status() != QTextStream::Ok || !file.flush()) {
+        fail(CantWrite);
+    }
+}
+
 /// Reads three unsigned integers from each line, character by character, as QTextStream reads them
 /// from a string that holds the line: with its prefixes, its wrap-around, and its standing still at
-/// what is no number, which makes 0 of this field and of all that follow. Keeps nothing of the line
-/// but the three numbers.
+/// what is no number, which makes 0 of this field and of all that follow. It goes on behind a sign
+/// or 0x without digits, but not behind 0b or a 0 before a digit that is octal and not ASCII. Keeps
+/// nothing of the line but the three numbers.
 class LineReader
 {
 public:
@@ -82,11 +111,14 @@ private:
         case State::Zero:
             return continueZero(character);
         case State::Prefix:
-        case State::Sign:
             if (!addDigit(character)) {
+                if (m_base == 16) {
+                    return false;
+                }
                 m_state = State::Ignore;
             }
             return true;
+        case State::Sign:
         case State::Digits:
             return addDigit(character);
         case State::Ignore:
@@ -193,25 +225,25 @@ private:
 
 void writeListFile(const QString& filename, std::span<const BadpixelEntry> entries)
 {
-    // Opening a pipe would wait for someone to read from it.
+    const QFileInfo target(filename);
     std::error_code ignored;
-    if (std::filesystem::is_fifo(QFileInfo(filename).filesystemFilePath(), ignored)) {
-        fail(QT_TRANSLATE_NOOP("BadpixelListModel", "Can't open file for writing."));
+    // Opening a pipe would wait for someone who reads from it.
+    if (filename.isEmpty() || std::filesystem::is_fifo(target.filesystemFilePath(), ignored)) {
+        fail(CantOpenForWriting);
+    }
+    if (target.exists() && !target.isFile()) {
+        // A device must not be replaced by a file of its name.
+        QFile device(filename);
+        openForWriting(device);
+        writeEntries(device, entries);
+        return;
     }
     QSaveFile file(filename);
     file.setDirectWriteFallback(true);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
-        fail(QT_TRANSLATE_NOOP("BadpixelListModel", "Can't open file for writing."));
-    }
-    QTextStream stream(&file);
-    for (const BadpixelEntry& entry : entries) {
-        if (entry.pixelClass == UserPixel) {
-            stream << entry.x << ' ' << entry.y << " 1\n";
-        }
-    }
-    stream.flush();
-    if (stream.status() != QTextStream::Ok || !file.flush() || !file.commit()) {
-        fail(QT_TRANSLATE_NOOP("BadpixelListModel", "Can't write file."));
+    openForWriting(file);
+    writeEntries(file, entries);
+    if (!file.commit()) {
+        fail(CantWrite);
     }
 }
 
@@ -220,7 +252,7 @@ std::vector<BadpixelEntry> readListFile(const QString& filename)
     // Pipes and devices need not ever end, or begin.
     QFile file(filename);
     if (!QFileInfo(filename).isFile() || !file.open(QIODevice::ReadOnly)) {
-        fail(QT_TRANSLATE_NOOP("BadpixelListModel", "Can't open file for reading."));
+        fail(CantOpenForReading);
     }
 
     std::vector<BadpixelEntry> entries;

@@ -26,8 +26,8 @@ void writeListFile(const QString& filename, std::span<const BadpixelEntry> entri
 ///
 /// A line is read as QTextStream reads three unsigned integers from it: white space separates them
 /// and may be missing where a character can't continue a number; a prefix 0x, 0b or 0 chooses the
-/// base; a sign is taken; a number that overflows wraps around; what is no number reads as 0, and
-/// so does all that follows; the rest of the line is ignored. The entry takes the low 16, 16 and 8
+/// base; a sign is taken; a number that overflows wraps around; where no number begins, this field
+/// and all that follow are 0; the rest of the line is ignored. The entry takes the low 16, 16 and 8
 /// bits. A byte order mark tells UTF-16 and UTF-32; all else is UTF-8. Carriage returns are
 /// ignored. A last line needs no line end. A file with content but no line is one empty line.
 ///

@@ -4,21 +4,22 @@
 #include <QSignalBlocker>
 #include <QSlider>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
 namespace {
 
-/// Truncates toward zero. What no int holds becomes the nearest one that does, and a quotient of
-/// zeros becomes 0: an empty range and an increment of 0 give such.
+/// Truncates toward zero. What no int holds becomes the nearest one that does. A quotient with a
+/// divisor of 0 becomes 0: a property without a range or a step leaves the slider nothing to move.
 int truncated(double position)
 {
-    if (std::isnan(position)) {
+    if (!std::isfinite(position)) {
         return 0;
     }
     constexpr double Lowest = std::numeric_limits<int>::min();
     constexpr double Highest = std::numeric_limits<int>::max();
-    return static_cast<int>(std::fmin(std::fmax(position, Lowest), Highest));
+    return static_cast<int>(std::clamp(position, Lowest, Highest));
 }
 
 } // namespace
@@ -57,14 +58,15 @@ void DoubleParameterWidget::changeValueRelative(int value)
         return;
     }
     const Synchronising synchronising(enabled, m_emitEnabled);
-    // A slider without a range has one position only, and that has no value to tell.
-    if (slider()->maximum() == 0) {
+    const double range = slider()->maximum();
+    if (range == 0) {
+        // The only position there is tells nothing about the value.
         return;
     }
     const double minimum = m_spinBox->minimum();
     const double maximum = m_spinBox->maximum();
     const QSignalBlocker blocker(m_spinBox);
-    m_spinBox->setValue(minimum + (double{1} * value / slider()->maximum()) * (maximum - minimum));
+    m_spinBox->setValue(minimum + (value / range) * (maximum - minimum));
 }
 
 void DoubleParameterWidget::emitValueChanged()
@@ -76,9 +78,10 @@ void DoubleParameterWidget::emitValueChanged()
 
 void DoubleParameterWidget::setParam(CameraParameter<double>& param)
 {
+    m_param = param;
     m_spinBox->setMinimum(param.min);
     m_spinBox->setMaximum(param.max);
-    // Negative on purpose: stepping down raises the value, as users of this editor know it.
+    // Negative for every range, on purpose: the spin box refuses it and goes on in steps of 1.
     m_spinBox->setSingleStep((param.min - param.max) / 100);
     m_spinBox->setValue(param.value);
     slider()->setMinimum(0);

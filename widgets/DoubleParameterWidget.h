@@ -19,6 +19,9 @@ public:
 
     [[nodiscard]] QDoubleSpinBox* spinBox() const { return m_spinBox; }
 
+    /// What setParam() was given last.
+    [[nodiscard]] const CameraParameter<double>& param() const { return m_param; }
+
 signals:
     /// The user's choice.
     void valueChanged(double value);

@@ -37,6 +37,7 @@ void ParameterWidget::emitValueChanged()
 
 void ParameterWidget::setParam(CameraParameter<int>& param)
 {
+    m_param = param;
     m_spinBox->setMinimum(param.min);
     m_spinBox->setMaximum(param.max);
     m_spinBox->setSingleStep(param.increment);

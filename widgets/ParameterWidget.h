@@ -18,6 +18,9 @@ public:
 
     [[nodiscard]] QSpinBox* spinBox() const { return m_spinBox; }
 
+    /// What setParam() was given last.
+    [[nodiscard]] const CameraParameter<int>& param() const { return m_param; }
+
 signals:
     /// The user's choice.
     void valueChanged(int value);
