@@ -10,6 +10,19 @@ namespace {
 /// The value that the progress bar was last given; one for the whole program.
 int progress = 0;
 
+/// A copy of its own, since the camera goes on writing into the memory behind its image. Padding
+/// that the image's lines do not have is 0: the darkness check and the detector read it.
+QImage deepCopy(const QImage& image)
+{
+    QImage copy = image.copy();
+    for (int y = 0; y < copy.height(); ++y) {
+        for (qsizetype i = image.bytesPerLine(); i < copy.bytesPerLine(); ++i) {
+            copy.scanLine(y)[i] = 0;
+        }
+    }
+    return copy;
+}
+
 } // namespace
 
 DetectionRun::DetectionRun(BadpixelListModel& list, QObject* parent)
@@ -41,8 +54,7 @@ DetectionRun::Step DetectionRun::addFrame(const QImage& image)
         stopCollecting();
         return Step::Ready;
     }
-    // The camera goes on writing into the memory behind its image.
-    m_frames.append(image.copy());
+    m_frames.append(deepCopy(image));
     progress += ProgressStep;
     emit progressed(progress);
     if (!isDark(m_frames.last())) {
