@@ -6,12 +6,14 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -42,6 +44,28 @@ QRect markRect(const BadpixelEntry& entry, int reach)
     return {QPoint(entry.x - reach, entry.y - reach), QPoint(entry.x + reach, entry.y + reach)};
 }
 
+/// Shows a picture of its own size.
+///
+/// On a dense screen, a label with scaled contents keeps a smoothed copy of the whole picture in
+/// the screen's pixels: at scale 4.0 that takes seconds and more than a gigabyte. Here only the
+/// exposed part is enlarged, and without smoothing, so that a sensor pixel stays a square.
+class PictureLabel final : public QLabel
+{
+public:
+    using QLabel::QLabel;
+
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        const QPixmap picture = pixmap();
+        if (picture.isNull() || picture.size() != size()) {
+            QLabel::paintEvent(event);
+            return;
+        }
+        QPainter(this).drawPixmap(event->rect(), picture, event->rect());
+    }
+};
+
 Qt::GlobalColor markColor(std::uint8_t pixelClass)
 {
     switch (pixelClass) {
@@ -58,7 +82,7 @@ Qt::GlobalColor markColor(std::uint8_t pixelClass)
 
 DisplayWidget::DisplayWidget(QWidget* parent)
     : QScrollArea(parent)
-    , m_label(new QLabel)
+    , m_label(new PictureLabel)
 {
     m_label->setBackgroundRole(QPalette::Base);
     m_label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
@@ -97,11 +121,14 @@ void DisplayWidget::redrawImage()
     if (m_highlight) {
         drawMarks(picture);
     }
-
-    QImage shown = scaled(picture);
+    // The label gives up its picture, so that its memory serves the next one: most of the time of an
+    // enlarged picture would go into fetching new memory.
+    QImage former = m_label->pixmap().toImage();
+    m_label->clear();
+    QImage shown = scaled(picture, former);
     if (shown.isNull()) {
         m_scale /= 2.0;
-        shown = scaled(picture);
+        shown = scaled(picture, former);
         emit scaleChanged(cutToInt(m_scale));
     }
     picture = QImage();
@@ -167,12 +194,26 @@ void DisplayWidget::drawMarks(QImage& picture) const
     }
 }
 
-QImage DisplayWidget::scaled(const QImage& picture) const
+QImage DisplayWidget::scaled(const QImage& picture, QImage& memory) const
 {
-    const QSize size = m_scale == 0.0 ? QSize(width() - 2, height() - 2)
-                                      : QSize(cutToInt(picture.width() * m_scale),
-                                              cutToInt(picture.height() * m_scale));
-    return picture.scaled(size, Qt::KeepAspectRatio, Qt::FastTransformation);
+    const QSize bounds = m_scale == 0.0 ? QSize(width() - 2, height() - 2)
+                                        : QSize(cutToInt(picture.width() * m_scale),
+                                                cutToInt(picture.height() * m_scale));
+    if (bounds.isEmpty()) {
+        return {};
+    }
+    const QSize size = picture.size().scaled(bounds, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+    if (size == picture.size()) {
+        return picture;
+    }
+    // What QImage::scaled() with Qt::FastTransformation gives, in memory that is there already.
+    const bool reusable =
+        memory.size() == size && memory.format() == QImage::Format_RGB32 && memory.isDetached();
+    QImage result = reusable ? std::exchange(memory, QImage()) : QImage(size, QImage::Format_RGB32);
+    if (!result.isNull()) {
+        QPainter(&result).drawImage(result.rect(), picture);
+    }
+    return result;
 }
 
 std::optional<QPoint> DisplayWidget::imagePosition(const QPointF& viewportPosition) const

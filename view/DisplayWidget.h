@@ -87,7 +87,7 @@ protected:
 
 private:
     void drawMarks(QImage& picture) const;
-    [[nodiscard]] QImage scaled(const QImage& picture) const;
+    [[nodiscard]] QImage scaled(const QImage& picture, QImage& memory) const;
     [[nodiscard]] std::optional<QPoint> imagePosition(const QPointF& viewportPosition) const;
     void click(const QPoint& position);
 

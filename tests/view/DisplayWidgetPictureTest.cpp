@@ -85,6 +85,11 @@ struct MarkedClass
     Tint signs; // which channels the mark raises and lowers
 };
 
+void PrintTo(const MarkedClass& c, std::ostream* out)
+{
+    viewtest::print(out, c.pixelClass);
+}
+
 class DisplayWidgetMarkColour : public DisplayWidgetMarks,
                                 public ::testing::WithParamInterface<MarkedClass>
 {};
@@ -240,6 +245,11 @@ struct CrossScale
     double scale;
     bool cross;
 };
+
+void PrintTo(const CrossScale& c, std::ostream* out)
+{
+    viewtest::print(out, c.scale, c.cross);
+}
 
 class DisplayWidgetCross : public DisplayWidgetMarks,
                            public ::testing::WithParamInterface<CrossScale>

@@ -3,10 +3,13 @@
 #include "tests/view/ViewTestSupport.h"
 
 #include <QItemSelectionModel>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <limits>
 #include <memory>
 #include <vector>
 
@@ -202,6 +205,11 @@ struct ScaledSize
     QSize picture;
 };
 
+void PrintTo(const ScaledSize& c, std::ostream* out)
+{
+    viewtest::print(out, c.image, c.scale, c.picture);
+}
+
 class DisplayWidgetScale : public ::testing::TestWithParam<ScaledSize>
 {};
 
@@ -241,12 +249,85 @@ TEST(DisplayWidgetScale, RepeatsPixelsWithoutSmoothing)
     }
 }
 
+// Twice each, because a second picture of one size is drawn into the memory of the first.
+TEST(DisplayWidgetScale, GivesTheSamePixelsAsAFastScaledImage)
+{
+    for (const QSize& size : {QSize(1, 1), QSize(7, 5), QSize(101, 51), QSize(256, 192)}) {
+        for (const double scale : {0.25, 0.3, 0.5, 0.75, 0.99, 1.01, 1.5, 2.0, 2.7, 3.0, 4.0}) {
+            const QSize bounds(static_cast<int>(size.width() * scale),
+                               static_cast<int>(size.height() * scale));
+            if (bounds.isEmpty()) {
+                continue;
+            }
+            QImage image = viewtest::patternImage(size.width(), size.height());
+            const QImage expected =
+                image.scaled(bounds, Qt::KeepAspectRatio, Qt::FastTransformation);
+            DisplayWidget display;
+            display.setScale(scale);
+            display.setImage(image);
+            ASSERT_EQ(pictureOf(display), expected) << size.width() << " at " << scale;
+            image.invertPixels();
+            display.setImage(image);
+            ASSERT_EQ(pictureOf(display),
+                      image.scaled(bounds, Qt::KeepAspectRatio, Qt::FastTransformation))
+                << size.width() << " at " << scale;
+        }
+    }
+}
+
+TEST(DisplayWidgetScale, LeavesAPictureThatSomebodyTookAsItWas)
+{
+    DisplayWidget display;
+    QImage image = viewtest::patternImage(40, 30);
+    display.setScale(4.0);
+    display.setImage(image);
+    const QPixmap taken = labelOf(display)->pixmap();
+    const QImage before = taken.toImage().copy();
+    QImage other = viewtest::plainImage(40, 30, 9);
+    display.setImage(other);
+    EXPECT_EQ(taken.toImage(), before);
+    EXPECT_EQ(pictureOf(display), viewtest::plainImage(160, 120, 9));
+}
+
+// On a dense screen too, and in every part that comes into view.
+TEST(DisplayWidgetScale, PaintsEachImagePixelAsASquare)
+{
+    DisplayWidget display;
+    display.setFrameShape(QFrame::NoFrame);
+    display.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    display.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    display.resize(100, 80);
+    display.show();
+    display.setScale(4.0);
+    QImage image = viewtest::patternImage(40, 30);
+    display.setImage(image);
+    for (const QPoint& scrolled : {QPoint(0, 0), QPoint(13, 7), QPoint(60, 40)}) {
+        display.horizontalScrollBar()->setValue(scrolled.x());
+        display.verticalScrollBar()->setValue(scrolled.y());
+        const QImage screen = display.viewport()->grab().toImage();
+        const int density = static_cast<int>(screen.devicePixelRatio());
+        ASSERT_EQ(screen.size(), QSize(100, 80) * density);
+        for (int y = 0; y < screen.height(); ++y) {
+            for (int x = 0; x < screen.width(); ++x) {
+                ASSERT_EQ(screen.pixel(x, y), viewtest::patternAt((scrolled.x() + x / density) / 4,
+                                                                  (scrolled.y() + y / density) / 4))
+                    << x << ", " << y;
+            }
+        }
+    }
+}
+
 struct FittedSize
 {
     QSize widget;
     QSize image;
     QSize picture;
 };
+
+void PrintTo(const FittedSize& c, std::ostream* out)
+{
+    viewtest::print(out, c.widget, c.image, c.picture);
+}
 
 class DisplayWidgetFit : public ::testing::TestWithParam<FittedSize>
 {};

@@ -110,6 +110,11 @@ struct WheelTurn
     int value;
 };
 
+void PrintTo(const WheelTurn& c, std::ostream* out)
+{
+    viewtest::print(out, c.from, c.singleStep, c.delta, c.value);
+}
+
 class MagnifierControlWheel : public ::testing::TestWithParam<WheelTurn>
 {};
 

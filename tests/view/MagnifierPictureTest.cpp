@@ -72,6 +72,11 @@ struct PictureSize
     QSize picture;
 };
 
+void PrintTo(const PictureSize& c, std::ostream* out)
+{
+    viewtest::print(out, c.magnifier, c.zoom, c.picture);
+}
+
 class MagnifierPictureSize : public MagnifierFixture,
                              public ::testing::WithParamInterface<PictureSize>
 {};
@@ -102,6 +107,11 @@ struct Overlay
     QPoint centre;
     QRect box; // the pixels of the outline and everything inside
 };
+
+void PrintTo(const Overlay& c, std::ostream* out)
+{
+    viewtest::print(out, c.magnifier, c.zoom, c.centre, c.box);
+}
 
 class MagnifierOverlay : public MagnifierFixture, public ::testing::WithParamInterface<Overlay>
 {};

@@ -42,6 +42,11 @@ struct FocusColour
     const char* word;
 };
 
+void PrintTo(const FocusColour& c, std::ostream* out)
+{
+    viewtest::print(out, c.position, c.word);
+}
+
 class MagnifierBayerColour : public MagnifierFixture,
                              public ::testing::WithParamInterface<FocusColour>
 {};
@@ -119,6 +124,11 @@ struct ArrowKey
     QPoint wanted;
 };
 
+void PrintTo(const ArrowKey& c, std::ostream* out)
+{
+    viewtest::print(out, c.key, c.wanted);
+}
+
 class MagnifierArrowKey : public MagnifierFixture, public ::testing::WithParamInterface<ArrowKey>
 {};
 
@@ -155,6 +165,11 @@ struct ClickedStep
     int distance; // from the middle of the magnifier
     int steps;
 };
+
+void PrintTo(const ClickedStep& c, std::ostream* out)
+{
+    viewtest::print(out, c.zoom, c.distance, c.steps);
+}
 
 class MagnifierClickSteps : public MagnifierFixture,
                             public ::testing::WithParamInterface<ClickedStep>

@@ -2,6 +2,7 @@
 
 #include "hotpixel/BadpixelListModel.h"
 
+#include <QDebug>
 #include <QFile>
 #include <QImage>
 #include <QLabel>
@@ -11,6 +12,8 @@
 #include <QStringList>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+
+#include <ostream>
 
 /// What the view's tests share: pictures, lists and what can be asked of them.
 namespace viewtest {
@@ -92,6 +95,15 @@ inline QStringList methodsOf(const QMetaObject& metaObject, QMetaMethod::MethodT
         }
     }
     return methods;
+}
+
+/// Names a case of a table in the test's output, value by value.
+template <typename... Values>
+void print(std::ostream* out, const Values&... values)
+{
+    QStringList words;
+    (words.append(QDebug::toString(values)), ...);
+    *out << words.join(QLatin1Char(' ')).toStdString();
 }
 
 } // namespace viewtest
