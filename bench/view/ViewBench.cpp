@@ -1,0 +1,169 @@
+#include "hotpixel/BadpixelListModel.h"
+#include "view/DisplayWidget.h"
+#include "view/Magnifier.h"
+
+#include <QApplication>
+#include <QImage>
+#include <QItemSelectionModel>
+#include <QPainter>
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <random>
+#include <vector>
+
+namespace {
+
+constexpr int Width = 2592;
+constexpr int Height = 1944;
+constexpr int Marks = 1000;
+
+/// A frame of 5 megapixels as cameras deliver them, indexed with a grey table or RGB32.
+QImage noiseFrame(QImage::Format format)
+{
+    std::mt19937 random(1);
+    std::uniform_int_distribution<uint> level(0, 255);
+    QImage frame(Width, Height, QImage::Format_Indexed8);
+    for (int i = 0; i < 256; ++i) {
+        frame.setColor(i, qRgb(i, i, i));
+    }
+    for (int y = 0; y < Height; ++y) {
+        for (int x = 0; x < Width; ++x) {
+            frame.setPixel(x, y, level(random));
+        }
+    }
+    return frame.convertToFormat(format);
+}
+
+void fillList(BadpixelListModel& model)
+{
+    std::mt19937 random(2);
+    std::uniform_int_distribution<int> column(0, Width - 1);
+    std::uniform_int_distribution<int> row(0, Height - 1);
+    model.setLimitByCamera(false);
+    while (model.rowCount() < Marks) {
+        model.addBadpixel({column(random), row(random)});
+    }
+}
+
+/// What cannot be avoided before a picture is scaled: one conversion and the marks.
+QImage convertAndMark(const QImage& frame, const BadpixelListModel& model)
+{
+    QImage picture = frame.convertToFormat(QImage::Format_RGB32);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::green);
+    for (int row = 0; row < model.rowCount(); ++row) {
+        const BadpixelEntry entry = model.badpixelAt(row);
+        painter.drawEllipse(
+            QRect(QPoint(entry.x - 4, entry.y - 4), QPoint(entry.x + 4, entry.y + 4)));
+    }
+    return picture;
+}
+
+double median(std::vector<double> values)
+{
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+template <typename Call>
+double secondsOf(Call&& call)
+{
+    const auto start = std::chrono::steady_clock::now();
+    call();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+/// Times redraws of a display at `scale` in turn with `reference`, which makes the same picture
+/// with the toolkit alone, and reports the medians and their ratio.
+template <typename Reference>
+void redraw(benchmark::State& state, QImage::Format format, double scale, Reference&& reference)
+{
+    QImage frame = noiseFrame(format);
+    BadpixelListModel model;
+    fillList(model);
+    QItemSelectionModel selection(&model);
+    DisplayWidget display;
+    display.setModel(&model);
+    display.setSelectionModel(&selection);
+    display.setHighlight(true);
+    display.setScale(scale);
+    display.setImage(frame);
+
+    std::vector<double> redrawSeconds;
+    std::vector<double> referenceSeconds;
+    for (auto _ : state) {
+        referenceSeconds.push_back(
+            secondsOf([&] { benchmark::DoNotOptimize(reference(frame, model).constBits()); }));
+        redrawSeconds.push_back(secondsOf([&] { display.redrawImage(); }));
+        state.SetIterationTime(redrawSeconds.back());
+    }
+    const double referenceMedian = median(referenceSeconds);
+    const double redrawMedian = median(redrawSeconds);
+    state.counters["redraw_ms"] = redrawMedian * 1e3;
+    state.counters["reference_ms"] = referenceMedian * 1e3;
+    state.counters["ratio"] = redrawMedian / referenceMedian;
+}
+
+void redrawAtScaleOne(benchmark::State& state, QImage::Format format)
+{
+    redraw(state, format, 1.0, convertAndMark);
+}
+
+void redrawAtScaleFour(benchmark::State& state, QImage::Format format)
+{
+    redraw(state, format, 4.0, [](const QImage& frame, const BadpixelListModel& model) {
+        return convertAndMark(frame, model)
+            .scaled(Width * 4, Height * 4, Qt::KeepAspectRatio, Qt::FastTransformation);
+    });
+}
+
+void magnifierMoves(benchmark::State& state)
+{
+    QImage frame = noiseFrame(QImage::Format_Indexed8);
+    Magnifier magnifier;
+    magnifier.resize(320, 240);
+    magnifier.setZoom(static_cast<int>(state.range(0)));
+    magnifier.setImage(frame);
+    int step = 0;
+    for (auto _ : state) {
+        magnifier.setPosition({1000 + ++step % 500, 900});
+    }
+}
+
+void magnifierGetsAFrame(benchmark::State& state)
+{
+    QImage frame = noiseFrame(QImage::Format_Indexed8);
+    Magnifier magnifier;
+    magnifier.resize(320, 240);
+    for (auto _ : state) {
+        magnifier.setImage(frame);
+    }
+}
+
+} // namespace
+
+BENCHMARK_CAPTURE(redrawAtScaleOne, Indexed8, QImage::Format_Indexed8)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(redrawAtScaleOne, Rgb32, QImage::Format_RGB32)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(redrawAtScaleFour, Indexed8, QImage::Format_Indexed8)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK(magnifierMoves)->Arg(5)->Arg(20)->Arg(100)->Unit(benchmark::kMicrosecond);
+BENCHMARK(magnifierGetsAFrame)->Unit(benchmark::kMillisecond);
+
+int main(int argc, char** argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}
