@@ -82,6 +82,9 @@ public:
     // What is done to cameras by hand. Unknown serial numbers are ignored by the setters and give
     // false, 0 or nothing from the others.
 
+    /// What was wrong with the settings file, one line; empty when nothing was.
+    [[nodiscard]] QString message() const { return m_bus.message; }
+
     /// The serial numbers of all cameras, plugged or not, in the order of the bus.
     [[nodiscard]] QStringList serials() const;
 

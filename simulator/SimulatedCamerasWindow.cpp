@@ -3,10 +3,12 @@
 #include "simulator/SimulatedCameraSdk.h"
 
 #include <QCheckBox>
+#include <QDir>
 #include <QDoubleSpinBox>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
+#include <QTimer>
 
 #include <array>
 
@@ -36,6 +38,7 @@ constexpr std::array<Switch, 4> Switches{{
 
 SimulatedCamerasWindow::SimulatedCamerasWindow(SimulatedCameraSdk& sdk, QWidget* parent)
     : QWidget(parent)
+    , m_sdk(sdk)
 {
     setWindowTitle(tr("Simulated cameras"));
     setObjectName(QStringLiteral("simulatedCameras"));
@@ -45,34 +48,72 @@ SimulatedCamerasWindow::SimulatedCamerasWindow(SimulatedCameraSdk& sdk, QWidget*
     int row = 0;
     const QStringList serials = sdk.serials();
     for (const QString& serial : serials) {
-        int column = 0;
-        layout->addWidget(new QLabel(tr("%1 (%2)").arg(serial, sdk.modelOf(serial)), this), row,
-                          column++);
-        for (const Switch& entry : Switches) {
-            auto* box = new QCheckBox(tr(entry.text), this);
-            box->setObjectName(QLatin1String(entry.objectName) + '_' + serial);
-            box->setChecked((sdk.*entry.state)(serial));
-            connect(box, &QCheckBox::toggled, this,
-                    [&sdk, serial, set = entry.set](bool on) { (sdk.*set)(serial, on); });
-            layout->addWidget(box, row, column++);
-        }
-        auto* temperature = new QDoubleSpinBox(this);
-        temperature->setObjectName(QStringLiteral("temperature_") + serial);
-        temperature->setRange(-50.0, 100.0);
-        temperature->setDecimals(1);
-        temperature->setSuffix(tr(" °C"));
-        temperature->setAccessibleName(tr("Temperature of %1").arg(serial));
-        temperature->setValue(sdk.temperature(serial));
-        connect(temperature, &QDoubleSpinBox::valueChanged, this,
-                [&sdk, serial](double celsius) { sdk.setTemperature(serial, celsius); });
-        layout->addWidget(temperature, row, column);
-        ++row;
+        addCamera(layout, row++, serial);
     }
-    const QString folder = serials.isEmpty()
-                               ? QString()
-                               : QFileInfo(sdk.eepromFileName(serials.first())).absolutePath();
-    auto* where = new QLabel(tr("EEPROM files: %1").arg(folder), this);
-    where->setObjectName(QStringLiteral("eepromFolder"));
-    where->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    layout->addWidget(where, row, 0, 1, -1);
+    if (!serials.isEmpty()) {
+        const QFileInfo eeprom(sdk.eepromFileName(serials.first()));
+        addLine(layout, row++, "eepromFolder",
+                tr("EEPROM files: %1").arg(QDir::toNativeSeparators(eeprom.absolutePath())));
+    }
+    if (!sdk.message().isEmpty()) {
+        addLine(layout, row++, "message", sdk.message());
+    }
+    layout->setRowStretch(row, 1);
+
+    constexpr int RefreshMsec = 500;
+    auto* timer = new QTimer(this);
+    connect(timer, &QTimer::timeout, this, &SimulatedCamerasWindow::refresh);
+    timer->start(RefreshMsec);
+}
+
+void SimulatedCamerasWindow::addCamera(QGridLayout* layout, int row, const QString& serial)
+{
+    int column = 0;
+    layout->addWidget(new QLabel(tr("%1  %2").arg(m_sdk.modelOf(serial), serial), this), row,
+                      column++);
+    for (const Switch& entry : Switches) {
+        auto* box = new QCheckBox(tr(entry.text), this);
+        box->setObjectName(QLatin1String(entry.objectName) + '_' + serial);
+        box->setAccessibleName(tr("%1: %2").arg(serial, box->text()));
+        box->setChecked((m_sdk.*entry.state)(serial));
+        connect(box, &QCheckBox::toggled, this,
+                [this, serial, set = entry.set](bool on) { (m_sdk.*set)(serial, on); });
+        m_refreshers.emplace_back(
+            [this, box, serial, state = entry.state] { box->setChecked((m_sdk.*state)(serial)); });
+        layout->addWidget(box, row, column++);
+    }
+
+    auto* temperature = new QDoubleSpinBox(this);
+    temperature->setObjectName(QStringLiteral("temperature_") + serial);
+    temperature->setAccessibleName(tr("%1: temperature of the sensor").arg(serial));
+    temperature->setToolTip(tr("Temperature of the sensor"));
+    temperature->setRange(-50.0, 100.0);
+    temperature->setDecimals(1);
+    temperature->setSuffix(tr(" \u00b0C"));
+    temperature->setValue(m_sdk.temperature(serial));
+    connect(temperature, &QDoubleSpinBox::valueChanged, this,
+            [this, serial](double celsius) { m_sdk.setTemperature(serial, celsius); });
+    m_refreshers.emplace_back([this, temperature, serial] {
+        if (!temperature->hasFocus()) { // somebody may be typing
+            temperature->setValue(m_sdk.temperature(serial));
+        }
+    });
+    layout->addWidget(temperature, row, column);
+}
+
+void SimulatedCamerasWindow::addLine(QGridLayout* layout, int row, const char* name,
+                                     const QString& text)
+{
+    auto* label = new QLabel(text, this);
+    label->setObjectName(QLatin1String(name));
+    label->setWordWrap(true);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    layout->addWidget(label, row, 0, 1, -1);
+}
+
+void SimulatedCamerasWindow::refresh()
+{
+    for (const auto& refresher : m_refreshers) {
+        refresher();
+    }
 }

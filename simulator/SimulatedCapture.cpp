@@ -93,7 +93,10 @@ void SimulatedCamera::stopLive(Lock& lock)
         m_capturing = false;
         m_changed.notify_all();
     } else {
-        m_changed.wait(lock, [this] { return !m_capturing; });
+        // Another thread is stopping it already; a capture started after that is not ours to stop.
+        m_changed.wait(lock, [this, session = m_lastSession] {
+            return !m_capturing || m_lastSession != session;
+        });
     }
 }
 

@@ -2,12 +2,14 @@
 
 #include <QString>
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
-/// What an uncovered simulated camera looks at: a test chart with colour patches, grey steps and a
-/// ramp, line pairs, a star, lettering of several sizes down to one pixel a stroke, and a band that
-/// moves from frame to frame. A colour sensor sees it through its mosaic, one colour at each pixel.
+/// What an uncovered simulated camera looks at: a test chart with colour patches, a star, grey
+/// steps and a ramp, line pairs down to one pixel, lettering down to one pixel a stroke, and a band
+/// that moves from frame to frame. A colour sensor sees it through its mosaic, one colour at each
+/// pixel. Immutable; any thread.
 class TestScene
 {
 public:
@@ -21,9 +23,10 @@ public:
     [[nodiscard]] std::uint8_t reflectance(int x, int y, std::uint64_t frame) const;
 
 private:
-    [[nodiscard]] int shift(int y, std::uint64_t frame) const;
+    /// By how many pixels line @p y has moved to the left.
+    [[nodiscard]] std::size_t shift(int y, std::uint64_t frame) const;
 
-    int m_width;
+    std::size_t m_width;
     int m_bandTop;    ///< first line of the moving band
     int m_bandBottom; ///< the line below it
     std::vector<std::uint8_t> m_pixels;
