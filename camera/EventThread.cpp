@@ -1,0 +1,61 @@
+#include "camera/EventThread.h"
+
+namespace {
+
+constexpr int WaitMsec = 500;
+
+} // namespace
+
+EventThread::EventThread(CameraSdk& sdk, QObject* parent)
+    : QThread(parent)
+    , m_sdk(sdk)
+{}
+
+EventThread::~EventThread()
+{
+    stop();
+    wait();
+}
+
+int EventThread::start(unsigned int handle, int eventId)
+{
+    m_handle = handle;
+    m_eventId = eventId;
+    // Also for a thread that runs already, which will never wait for it: see the header.
+    m_event = createEventObject();
+    m_sdk.initEvent(handle, m_event, eventId);
+    if (const int result = m_sdk.enableEvent(handle, eventId); result != 0) {
+        return result;
+    }
+    m_running = true;
+    QThread::start();
+    return 0;
+}
+
+void EventThread::stop()
+{
+    m_running = false;
+}
+
+void EventThread::run()
+{
+    setTerminationEnabled(false);
+    const EventHandle event = m_event;
+    while (m_running) {
+        if (waitTerminably(event)) {
+            Q_EMIT eventhappen(m_eventId);
+        }
+    }
+    m_running = false;
+    m_sdk.disableEvent(m_handle, m_eventId);
+    m_sdk.exitEvent(m_handle, m_eventId);
+}
+
+bool EventThread::waitTerminably(EventHandle event)
+{
+    // A termination that was asked for while it was switched off strikes as it is switched on here.
+    setTerminationEnabled(true);
+    const bool signalled = waitForEventObject(event, WaitMsec);
+    setTerminationEnabled(false);
+    return signalled;
+}
