@@ -1,0 +1,473 @@
+#include "camera/Camera.h"
+
+#include <QList>
+#include <QScopedValueRollback>
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+
+namespace {
+
+constexpr const char* SettingsFile = "./VornHotpixelEditor.ini";
+constexpr int NoticeMsec = 2000;
+constexpr unsigned long StopMsec = 500;
+constexpr std::size_t BufferCount = 2;
+constexpr std::int32_t DefaultUploadMsec = 25000;
+constexpr double MaxFramesPerSecond = 2.0;
+constexpr double DarkFramesPerSecond = 1.0;
+constexpr int DarkMastergain = 50;
+
+// The guards against recursion on the GUI thread, shared by all cameras: a widget that is connected
+// to a camera feeds back what it is told, and a receiver of newImage() may run an event loop of its
+// own.
+bool s_newImageAllowed = true;
+bool s_settingPixelclock = false;
+bool s_settingFramerate = false;
+bool s_settingExposure = false;
+bool s_settingMastergain = false;
+
+const QList<QRgb>& greyTable()
+{
+    static const QList<QRgb> table = [] {
+        QList<QRgb> greys;
+        for (int grey = 0; grey < 256; ++grey) {
+            greys.append(qRgb(grey, grey, grey));
+        }
+        return greys;
+    }();
+    return table;
+}
+
+// Not std::clamp: min may lie above max, as it does for a camera that is always faster than the
+// two frames per second that the frame rate is capped at, and min wins then.
+template <typename T>
+T clamped(T value, const CameraParameter<T>& parameter)
+{
+    return value < parameter.min ? parameter.min : std::min(value, parameter.max);
+}
+
+// Deliberately minus min, although a slider's position 0 stands for min, and deliberately a whole
+// number: positions and values have always been coupled like this.
+double relativeValue(int position, const CameraParameter<double>& parameter)
+{
+    const double value = std::trunc((position - parameter.min) / parameter.increment);
+    return std::isnan(value) ? parameter.min : value; // 0 / 0, of a range that is a single value
+}
+
+void waitOrTerminate(EventThread& waitedFor, EventThread& terminated)
+{
+    if (!waitedFor.wait(StopMsec)) {
+        terminated.terminate();
+    }
+}
+
+} // namespace
+
+Camera::Camera(CameraSdk& sdk, QObject* parent)
+    : QObject(parent)
+    , m_sdk(sdk)
+    , m_frameThread(sdk)
+    , m_reconnectThread(sdk)
+    , m_removedThread(sdk)
+    , m_deviceNewThread(sdk)
+    , m_deviceRemovedThread(sdk)
+    , m_frameFailedThread(sdk)
+    , m_sequence(sdk)
+{
+    for (EventThread* thread : {&m_frameThread, &m_reconnectThread, &m_removedThread,
+                                &m_deviceNewThread, &m_deviceRemovedThread, &m_frameFailedThread}) {
+        connect(thread, &EventThread::eventhappen, this, &Camera::eventReceived);
+    }
+    m_deviceNewThread.start(0, camera::EventDeviceNew);
+    m_deviceRemovedThread.start(0, camera::EventDeviceRemoved);
+}
+
+Camera::~Camera()
+{
+    if (isOpen()) {
+        m_sdk.stopLiveVideo(m_handle, camera::ForceStop);
+        m_sdk.exitCamera(m_handle);
+    }
+    m_sequence.clear();
+
+    for (EventThread* thread : {&m_frameThread, &m_reconnectThread, &m_deviceNewThread,
+                                &m_deviceRemovedThread, &m_removedThread}) {
+        thread->stop();
+    }
+    waitOrTerminate(m_frameThread, m_frameThread);
+    waitOrTerminate(m_reconnectThread, m_frameThread); // deliberate, see close()
+    waitOrTerminate(m_deviceNewThread, m_deviceNewThread);
+    waitOrTerminate(m_deviceRemovedThread, m_deviceRemovedThread);
+    waitOrTerminate(m_removedThread, m_removedThread);
+    // Deliberately never told to stop: it runs from the first opening to the end.
+    waitOrTerminate(m_frameFailedThread, m_frameFailedThread);
+
+    disconnect(this, nullptr, this, SLOT(eventReceived(int)));
+    m_handle = 0;
+}
+
+void Camera::open(int cameraId)
+{
+    try {
+        tryOpen(cameraId);
+    } catch (...) {
+        close();
+        throw;
+    }
+}
+
+void Camera::tryOpen(int cameraId)
+{
+    close();
+    m_handle = initCamera(cameraId);
+    m_frameCount = 0;
+    m_failedCount = 0;
+    loadSettings();
+
+    check(m_sdk.setColorMode(m_handle, camera::ColorModeBayer8));
+    m_sdk.getSensorInfo(m_handle, &m_sensorInfo);
+    const unsigned int bitsPerPixel = takeColorMode();
+    sendHotpixelCommand(camera::CorrectionOffFirst);
+    sendHotpixelCommand(camera::CorrectionOffSecond);
+    m_sequence.setUp(m_handle, BufferCount,
+                     {m_sensorInfo.maxWidth, m_sensorInfo.maxHeight, bitsPerPixel});
+
+    m_frameThread.start(m_handle, camera::EventFrame);
+    m_reconnectThread.start(m_handle, camera::EventReconnected);
+    m_removedThread.start(m_handle, camera::EventRemoved);
+    m_frameFailedThread.start(m_handle, camera::EventFrameFailed);
+    startLive();
+
+    m_cameraId = static_cast<unsigned int>(cameraId);
+    Q_EMIT cameraOpened(this);
+
+    m_pixelclock.value = m_sdk.setPixelClock(m_handle, camera::QueryDefault);
+    check(m_sdk.getFramesPerSecond(m_handle, &m_framerate.value));
+    check(m_sdk.setExposureTime(m_handle, camera::QueryDefaultDouble, &m_exposure.value));
+    updatePixelclock();
+    updateMastergain();
+    m_frameCount = 0;
+    m_failedCount = 0;
+}
+
+CameraSdk::Handle Camera::initCamera(int cameraId)
+{
+    const auto device = static_cast<CameraSdk::Handle>(cameraId);
+    CameraSdk::Handle handle = device | camera::OpenByDevice;
+    std::int32_t result = m_sdk.initCamera(&handle, nullptr);
+    if (result == camera::FirmwareUploadNeeded) {
+        std::int32_t uploadMsec = DefaultUploadMsec;
+        m_sdk.getFirmwareUploadTime(handle, 1, &uploadMsec);
+        Q_EMIT displayError(
+            tr("Upload of new firmware required. (approx. %1 seconds)").arg(uploadMsec / 1000),
+            NoticeMsec);
+        handle = device | camera::OpenWithFirmwareUpload;
+        result = m_sdk.initCamera(&handle, nullptr);
+    }
+    if (result != 0) {
+        throw std::runtime_error("Could not initialize camera.");
+    }
+    return handle;
+}
+
+void Camera::loadSettings()
+{
+    const std::int32_t result = m_sdk.loadParameters(m_handle, SettingsFile);
+    if (result == camera::FileNotOpened) {
+        Q_EMIT displayError(tr("Can't open ini file."), NoticeMsec);
+    } else if (result != 0) {
+        Q_EMIT displayError(QString::fromLatin1(errorText(result)), NoticeMsec);
+    }
+}
+
+// Returns the bits per pixel of the mode that the camera took.
+unsigned int Camera::takeColorMode()
+{
+    m_colorMode = m_sdk.setColorMode(m_handle, camera::QueryCurrent);
+    switch (m_colorMode) {
+    case camera::ColorModeRgb32:
+        m_imageFormat = QImage::Format_RGB32;
+        return 32;
+    case camera::ColorModeMono8:
+    case camera::ColorModeBayer8:
+        m_imageFormat = QImage::Format_Indexed8;
+        return 8;
+    default:
+        m_imageFormat = QImage::Format_Invalid;
+        throw std::runtime_error("Color Mode not supported.");
+    }
+}
+
+void Camera::close()
+{
+    if (!isOpen()) {
+        return;
+    }
+    m_frameThread.stop();
+    m_reconnectThread.stop();
+    m_removedThread.stop();
+    waitOrTerminate(m_frameThread, m_frameThread);
+    // Deliberately the frame thread: the reconnect thread may take its time, and is waited for when
+    // it is destroyed. Terminated, it would leave its event bound at the SDK.
+    waitOrTerminate(m_reconnectThread, m_frameThread);
+    waitOrTerminate(m_removedThread, m_removedThread);
+
+    m_sdk.stopLiveVideo(m_handle, camera::Wait);
+    m_sdk.exitCamera(m_handle);
+    m_cameraId = 0;
+    m_handle = 0;
+    m_sequence.clear();
+    m_image = QImage();
+    Q_EMIT newImage(m_image);
+    Q_EMIT cameraClosed();
+}
+
+void Camera::startLive()
+{
+    check(m_sdk.startLiveVideo(m_handle, camera::DontWait));
+}
+
+double Camera::getFramerate() const
+{
+    double framesPerSecond = 0.0;
+    if (isOpen()) {
+        m_sdk.getFramesPerSecond(m_handle, &framesPerSecond);
+    }
+    return framesPerSecond;
+}
+
+const char* Camera::errorText(int code) const
+{
+    std::int32_t sdkCode = code;
+    char* text = nullptr;
+    const bool known = m_sdk.getError(m_handle, &sdkCode, &text) == 0 && text != nullptr;
+    return known ? text : "Unknown error.";
+}
+
+void Camera::check(int result) const
+{
+    if (result != 0) {
+        throw std::runtime_error(errorText(result));
+    }
+}
+
+void Camera::sendHotpixelCommand(int command) const
+{
+    m_sdk.hotpixelCommand(m_handle, command, nullptr, 0);
+}
+
+void Camera::eventReceived(int event)
+{
+    try {
+        switch (event) {
+        case camera::EventFrame:
+            if (isOpen()) {
+                takeFrame();
+            }
+            break;
+        case camera::EventFrameFailed:
+            ++m_failedCount;
+            break;
+        case camera::EventReconnected:
+            if (isOpen()) {
+                Q_EMIT cameraReconnect();
+            }
+            break;
+        case camera::EventRemoved:
+            if (isOpen()) {
+                Q_EMIT cameraRemoved();
+            }
+            break;
+        case camera::EventDeviceRemoved:
+            Q_EMIT cameraRemovedDevice();
+            break;
+        case camera::EventDeviceNew:
+            Q_EMIT cameraNewDevice();
+            break;
+        default:
+            break;
+        }
+    } catch (const std::exception& error) {
+        // An exception that a receiver lets out would end the program in the event loop.
+        Q_EMIT displayError(QString::fromUtf8(error.what()), NoticeMsec);
+    }
+}
+
+void Camera::takeFrame()
+{
+    ++m_frameCount;
+    char* memory = nullptr;
+    if (const int result = m_sdk.getFrameMemory(m_handle, 0, 0, &memory); result != 0) {
+        Q_EMIT displayError(QString::fromLatin1(errorText(result)), NoticeMsec);
+        return;
+    }
+    // The memory must not be const: a QImage over const memory copies it to get a colour table.
+    m_image = QImage(reinterpret_cast<uchar*>(memory), imageWidth(), imageHeight(), m_imageFormat);
+    if (m_imageFormat == QImage::Format_Indexed8) {
+        m_image.setColorTable(greyTable());
+    }
+    if (s_newImageAllowed) {
+        const QScopedValueRollback<bool> guard(s_newImageAllowed, false);
+        Q_EMIT newImage(m_image);
+    }
+}
+
+void Camera::setPixelclock(int value)
+{
+    if (s_settingPixelclock) {
+        return;
+    }
+    applyPixelclock(value);
+}
+
+void Camera::applyPixelclock(int value)
+{
+    const QScopedValueRollback<bool> guard(s_settingPixelclock, true);
+    const int allowed = clamped(value, m_pixelclock);
+    if (allowed != m_pixelclock.value) {
+        m_pixelclock.value = allowed;
+        Q_EMIT pixelclockChanged(m_pixelclock);
+    }
+    m_sdk.setPixelClock(m_handle, m_pixelclock.value);
+    updateFramerate();
+}
+
+void Camera::setPixelclockRelative(int value)
+{
+    setPixelclock((value - m_pixelclock.min) / m_pixelclock.increment);
+}
+
+void Camera::setFramerate(double value)
+{
+    if (s_settingFramerate) {
+        return;
+    }
+    const QScopedValueRollback<bool> guard(s_settingFramerate, true);
+    const double allowed = clamped(value, m_framerate);
+    if (allowed != m_framerate.value) {
+        m_framerate.value = allowed;
+        m_sdk.setFrameRate(m_handle, allowed, &m_framerate.value);
+        Q_EMIT framerateChanged(m_framerate);
+    }
+    updateExposure();
+}
+
+void Camera::setFramerateRelative(int value)
+{
+    setFramerate(relativeValue(value, m_framerate));
+}
+
+void Camera::setExposure(double value)
+{
+    if (s_settingExposure) {
+        return;
+    }
+    const QScopedValueRollback<bool> guard(s_settingExposure, true);
+    const double allowed = clamped(value, m_exposure);
+    if (allowed != m_exposure.value) {
+        m_exposure.value = allowed;
+        Q_EMIT exposureChanged(m_exposure);
+    }
+    m_sdk.setExposureTime(m_handle, m_exposure.value, &m_exposure.value);
+}
+
+void Camera::setExposureRelative(int value)
+{
+    setExposure(relativeValue(value, m_exposure));
+}
+
+void Camera::setMastergain(int value)
+{
+    if (s_settingMastergain) {
+        return;
+    }
+    const QScopedValueRollback<bool> guard(s_settingMastergain, true);
+    const int allowed = clamped(value, m_mastergain);
+    if (allowed != m_mastergain.value) {
+        m_mastergain.value = allowed;
+        Q_EMIT mastergainChanged(m_mastergain);
+    }
+    m_sdk.setHardwareGain(m_handle, allowed, camera::KeepGain, camera::KeepGain, camera::KeepGain);
+}
+
+void Camera::updatePixelclock()
+{
+    CameraParameter<int> range;
+    check(m_sdk.getPixelClockRange(m_handle, &range.min, &range.max));
+    m_pixelclock.min = range.min;
+    m_pixelclock.max = range.max;
+    m_pixelclock.increment = 1;
+    check(m_sdk.setPixelClock(m_handle, m_pixelclock.value));
+    m_pixelclock.value = m_sdk.setPixelClock(m_handle, camera::QueryCurrent);
+    Q_EMIT pixelclockChanged(m_pixelclock);
+    updateFramerate();
+}
+
+void Camera::updateFramerate()
+{
+    double minTime = 1.0;
+    double maxTime = 1.0;
+    double timeStep = 1.0;
+    m_sdk.getFrameTimeRange(m_handle, &minTime, &maxTime, &timeStep);
+    m_framerate.min = 1.0 / maxTime;
+    // Deliberately capped, whatever the sensor allows: hotpixels need long exposures.
+    m_framerate.max = std::min(1.0 / minTime, MaxFramesPerSecond);
+    m_framerate.increment = (m_framerate.max - m_framerate.min) / ((maxTime - minTime) / timeStep);
+    m_sdk.setFrameRate(m_handle, m_framerate.value, &m_framerate.value);
+    Q_EMIT framerateChanged(m_framerate);
+    updateExposure();
+}
+
+void Camera::updateExposure()
+{
+    m_sdk.getExposureRange(m_handle, &m_exposure.min, &m_exposure.max, &m_exposure.increment);
+    double currentExposureMsec = 0.0; // asked for as the camera is used to, and not needed
+    m_sdk.setExposureTime(m_handle, camera::QueryCurrentDouble, &currentExposureMsec);
+    m_sdk.setExposureTime(m_handle, m_exposure.value, &m_exposure.value);
+    Q_EMIT exposureChanged(m_exposure);
+}
+
+void Camera::updateMastergain()
+{
+    m_mastergain.value = m_sdk.setHardwareGain(m_handle, camera::QueryCurrent, camera::KeepGain,
+                                               camera::KeepGain, camera::KeepGain);
+    m_mastergain.min = 0;
+    m_mastergain.max = 100;
+    Q_EMIT mastergainChanged(m_mastergain);
+}
+
+void Camera::setAutoConfig()
+{
+    while (m_framerate.min > DarkFramesPerSecond) {
+        const int halved = m_pixelclock.value / 2;
+        if (halved <= m_pixelclock.min) {
+            break;
+        }
+        // Not setPixelclock(), which does nothing when this is called while it runs: the loop would
+        // never end.
+        applyPixelclock(halved);
+    }
+    setFramerate(DarkFramesPerSecond);
+    setExposure(m_exposure.max);
+    setMastergain(DarkMastergain);
+}
+
+void Camera::setBadPixelCorrection(bool enable)
+{
+    m_sdk.stopLiveVideo(m_handle, camera::Wait);
+
+    const double keptFramerate = m_framerate.value;
+    double minTime = 1.0;
+    double maxTime = 1.0;
+    double timeStep = 1.0;
+    m_sdk.getFrameTimeRange(m_handle, &minTime, &maxTime, &timeStep);
+    double actual = 0.0; // what the camera makes of it is not kept
+    m_sdk.setFrameRate(m_handle, 1.0 / minTime, &actual);
+    sendHotpixelCommand(enable ? camera::CorrectionOnFirst : camera::CorrectionOffFirst);
+    sendHotpixelCommand(enable ? camera::CorrectionOnSecond : camera::CorrectionOffSecond);
+    m_sdk.setFrameRate(m_handle, keptFramerate, &actual);
+    m_sdk.setExposureTime(m_handle, m_exposure.value, &actual);
+
+    m_sdk.startLiveVideo(m_handle, camera::Wait);
+}
