@@ -1,0 +1,255 @@
+#include "camera/CameraListModel.h"
+
+#include "camera/Camera.h"
+#include "support/QuickSort.h"
+
+#include <QTimer>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstring>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+namespace {
+
+enum Column { Cam, Dev, Model, SerNo, Status };
+
+QString statusText(const CameraItem& item)
+{
+    if (item.status == 0) {
+        return CameraListModel::tr("free");
+    }
+    return item.opened ? CameraListModel::tr("opened") : CameraListModel::tr("in use");
+}
+
+template <std::size_t size>
+QString textOf(const std::array<char, size>& text)
+{
+    return QString::fromLatin1(text.data(), static_cast<qsizetype>(qstrnlen(text.data(), size)));
+}
+
+CameraItem itemOf(const CameraListEntry& entry)
+{
+    return {.opened = false,
+            .camId = entry.camId,
+            .devId = entry.devId,
+            .word2 = entry.word2,
+            .status = entry.status,
+            .serNo = textOf(std::to_array(entry.serNo)),
+            .model = textOf(std::to_array(entry.model))};
+}
+
+bool ascending(const CameraItem& a, const CameraItem& b, int column)
+{
+    switch (column) {
+    case Cam:
+        return a.camId < b.camId;
+    case Dev:
+        // Deliberately a devId against a camId. Comparing devId with devId would give another
+        // order than the one that this list has always had.
+        return a.devId < b.camId;
+    case Model:
+        return a.model < b.model;
+    case SerNo:
+        return a.serNo < b.serNo;
+    case Status:
+        return QString::localeAwareCompare(statusText(b), statusText(a)) > 0;
+    default:
+        throw std::runtime_error("Sort Error");
+    }
+}
+
+bool descending(const CameraItem& a, const CameraItem& b, int column)
+{
+    // Deliberately a devId against a camId, as above; for the other columns this is the ascending
+    // order of b and a.
+    return column == Dev ? a.devId > b.camId : ascending(b, a, column);
+}
+
+bool comesBefore(const CameraItem& a, const CameraItem& b, int column, Qt::SortOrder order)
+{
+    switch (order) {
+    case Qt::AscendingOrder:
+        return ascending(a, b, column);
+    case Qt::DescendingOrder:
+        return descending(a, b, column);
+    }
+    throw std::runtime_error("Sort Error");
+}
+
+} // namespace
+
+CameraListModel::CameraListModel(CameraSdk& sdk, int msec, QObject* parent)
+    : QAbstractTableModel(parent)
+    , m_sdk(sdk)
+    , m_headerLabels({tr("Cam"), tr("Dev"), tr("Model"), tr("SerNo"), tr("Status")})
+    , m_timer(new QTimer(this))
+{
+    if (connect(m_timer, &QTimer::timeout, this, &CameraListModel::updateList)) {
+        m_timer->start(msec);
+    }
+}
+
+int CameraListModel::rowCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+}
+
+int CameraListModel::columnCount(const QModelIndex& parent) const
+{
+    return parent.isValid() ? 0 : static_cast<int>(m_headerLabels.size());
+}
+
+QVariant CameraListModel::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid() || index.row() >= rowCount() || role != Qt::DisplayRole) {
+        return {};
+    }
+    const CameraItem& item = m_rows.at(index.row());
+    switch (index.column()) {
+    case Cam:
+        return item.camId;
+    case Dev:
+        return item.devId;
+    case Model:
+        return item.model;
+    case SerNo:
+        return item.serNo;
+    case Status:
+        return statusText(item);
+    default:
+        return {};
+    }
+}
+
+QVariant CameraListModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (role != Qt::DisplayRole) {
+        return {};
+    }
+    if (orientation == Qt::Vertical) {
+        return section;
+    }
+    return section >= 0 && section < columnCount() ? QVariant(m_headerLabels.at(section))
+                                                   : QVariant();
+}
+
+CameraItem CameraListModel::item(int row) const
+{
+    return m_rows.value(row);
+}
+
+void CameraListModel::setOpenCamera(Camera* cam)
+{
+    m_openCameraId = cam->cameraId();
+}
+
+void CameraListModel::clearOpenCamera()
+{
+    m_openCameraId = 0;
+}
+
+void CameraListModel::sort(int column, Qt::SortOrder order)
+{
+    if (m_rows.isEmpty()) {
+        return;
+    }
+    support::quickSort(m_rows.begin(), m_rows.end(),
+                       [column, order](const CameraItem& a, const CameraItem& b) {
+                           return comesBefore(a, b, column, order);
+                       });
+    Q_EMIT layoutChanged();
+}
+
+void CameraListModel::updateList()
+{
+    bool changed = false;
+    try {
+        refreshRows(changed);
+    } catch (const std::exception&) {
+        // Nothing to say: this comes once a second, and the next time may well go better.
+    }
+    if (changed) {
+        Q_EMIT somethingChanged();
+    }
+    Q_EMIT rowToSelect(0);
+}
+
+void CameraListModel::refreshRows(bool& changed)
+{
+    std::int32_t count = 0;
+    if (m_sdk.getNumberOfCameras(&count) != 0) {
+        throw std::runtime_error("Can't get number of cameras.");
+    }
+    if (count < 1) {
+        if (!m_rows.isEmpty()) {
+            beginRemoveRows({}, 0, rowCount() - 1);
+            m_rows.clear();
+            endRemoveRows();
+            changed = true;
+        }
+        return;
+    }
+
+    QList<CameraItem> cameras = connectedCameras(count);
+    for (int row = 0; row < rowCount();) {
+        const auto camera =
+            std::find_if(cameras.begin(), cameras.end(), [&](const CameraItem& candidate) {
+                return candidate.devId == m_rows.at(row).devId;
+            });
+        if (camera == cameras.end()) {
+            beginRemoveRows({}, row, row);
+            m_rows.removeAt(row);
+            endRemoveRows();
+            changed = true;
+            continue;
+        }
+        if (camera->devId == m_openCameraId) {
+            camera->opened = true;
+        }
+        if (m_rows.at(row) != *camera) {
+            m_rows[row] = *camera;
+            Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1));
+            changed = true;
+        }
+        cameras.erase(camera);
+        ++row;
+    }
+
+    if (!cameras.isEmpty()) {
+        // Deliberately not marked as opened, even if one is: that is a change of a row, which the
+        // next refresh finds and tells.
+        beginInsertRows({}, rowCount(), rowCount() + static_cast<int>(cameras.size()) - 1);
+        m_rows.append(std::move(cameras));
+        endInsertRows();
+        changed = true;
+    }
+}
+
+QList<CameraItem> CameraListModel::connectedCameras(std::int32_t count) const
+{
+    const auto room = static_cast<std::uint32_t>(count);
+    std::vector<std::byte> memory(offsetof(CameraList, entries) +
+                                  std::size_t{room} * sizeof(CameraListEntry));
+    auto* const list = reinterpret_cast<CameraList*>(memory.data());
+    list->count = room;
+    if (m_sdk.getCameraList(list) != 0) {
+        throw std::runtime_error("Can't get camera list.");
+    }
+
+    // A camera plugged in between the two calls makes the count greater than the room for it.
+    const std::uint32_t filled = std::min(list->count, room);
+    QList<CameraItem> cameras;
+    for (std::uint32_t i = 0; i < filled; ++i) {
+        CameraListEntry entry;
+        std::memcpy(&entry,
+                    memory.data() + offsetof(CameraList, entries) +
+                        std::size_t{i} * sizeof(CameraListEntry),
+                    sizeof entry);
+        cameras.append(itemOf(entry));
+    }
+    return cameras;
+}
