@@ -1,36 +1,14 @@
 #include "hotpixel/BadpixelListModel.h"
 
+#include "camera/Camera.h"
 #include "camera/CameraSdk.h"
 #include "hotpixel/BadpixelListFile.h"
+#include "support/QuickSort.h"
 
 #include <algorithm>
 #include <cstdint>
 #include <stdexcept>
 #include <vector>
-
-#if __has_include("camera/Camera.h") && __has_include("support/QuickSort.h")
-#include "camera/Camera.h"
-#include "support/QuickSort.h"
-#else
-// Until the camera is there.
-class Camera
-{
-public:
-    [[nodiscard]] CameraSdk& sdk() const { return *m_sdk; }
-    [[nodiscard]] CameraSdk::Handle handle() const { return m_handle; }
-
-private:
-    CameraSdk* m_sdk = nullptr;
-    CameraSdk::Handle m_handle = 0;
-};
-namespace support {
-template <typename Iterator, typename Less>
-void quickSort(Iterator first, Iterator last, Less less)
-{
-    std::sort(first, last, less);
-}
-} // namespace support
-#endif
 
 namespace {
 
