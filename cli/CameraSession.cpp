@@ -1,0 +1,50 @@
+#include "cli/CameraSession.h"
+
+#include "cli/Command.h"
+#include "cli/CommandError.h"
+#include "cli/Console.h"
+#include "cli/Interruption.h"
+#include "cli/ProgressBar.h"
+
+#include <QFileInfo>
+
+#include <utility>
+
+namespace {
+
+constexpr auto SettingsFile = "./VornHotpixelEditor.ini"; ///< as Camera::open() loads it
+
+} // namespace
+
+CameraSession::CameraSession(CommandContext& context, const QString& name)
+    : CameraSession(context, cli::chooseCamera(cli::connectedCameras(context.sdk), name))
+{}
+
+CameraSession::CameraSession(CommandContext& context, ConnectedCamera camera)
+    : m_context(context)
+    , m_camera(context.sdk)
+    , m_description(std::move(camera))
+{
+    if (!m_description.free) {
+        throw cli::CommandError(
+            tr("The camera (%1) is in use by another program.").arg(m_description.description()));
+    }
+    QObject::connect(&m_camera, &Camera::displayError, &m_camera,
+                     [this](const QString& text, int /*msec*/) {
+                         // The settings file is optional. Only one that is there is worth a line.
+                         const bool missing = !QFileInfo::exists(QString::fromLatin1(SettingsFile));
+                         if (!missing || text != Camera::tr("Can't open ini file.")) {
+                             m_context.console.notice(text);
+                         }
+                     });
+    const ProgressBar progress(context.console, tr("Opening the camera"));
+    m_camera.open(static_cast<int>(m_description.devId));
+    checkInterruption();
+}
+
+void CameraSession::checkInterruption() const
+{
+    if (m_context.interruption.requested()) {
+        throw cli::CommandError(tr("Interrupted."));
+    }
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "camera/Camera.h"
+#include "cli/CameraChoice.h"
+
+#include <QCoreApplication>
+#include <QObject>
+
+struct CommandContext;
+
+/// A camera that is open for as long as the object lives. What it has to say that stops nothing
+/// becomes a notice.
+class CameraSession
+{
+    Q_DECLARE_TR_FUNCTIONS(CameraSession)
+
+public:
+    /// Opens @p camera.
+    /// @throws cli::CommandError when another program has it, or the end was asked for meanwhile.
+    /// @throws std::runtime_error of Camera::open().
+    CameraSession(CommandContext& context, ConnectedCamera camera);
+
+    /// Opens the camera that @p name names.
+    /// @throws cli::CommandError also when there is no such camera.
+    CameraSession(CommandContext& context, const QString& name);
+
+    [[nodiscard]] Camera& camera() { return m_camera; }
+    [[nodiscard]] const ConnectedCamera& description() const { return m_description; }
+
+    /// @throws cli::CommandError when the end was asked for.
+    void checkInterruption() const;
+
+private:
+    CommandContext& m_context;
+    Camera m_camera;
+    ConnectedCamera m_description;
+};

@@ -1,0 +1,6 @@
+#include "cli/Command.h"
+
+QList<QCommandLineOption> Command::options(const std::vector<SdkSwitch>& /*switches*/) const
+{
+    return {};
+}

@@ -1,0 +1,122 @@
+#include "cli/Console.h"
+
+#include "cli/Interruption.h"
+
+#include <QByteArray>
+
+#include <array>
+
+#ifdef Q_OS_WIN
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
+
+namespace {
+
+int descriptorOf(std::FILE* stream)
+{
+#ifdef Q_OS_WIN
+    return _fileno(stream);
+#else
+    return fileno(stream);
+#endif
+}
+
+bool isTerminal(std::FILE* stream)
+{
+#ifdef Q_OS_WIN
+    return _isatty(descriptorOf(stream)) != 0;
+#else
+    return isatty(descriptorOf(stream)) != 0;
+#endif
+}
+
+} // namespace
+
+Console::Console(std::FILE* in, std::FILE* out, std::FILE* err)
+    : m_in(in)
+    , m_out(out)
+    , m_err(err)
+    , m_canAsk(isTerminal(in))
+    , m_showsProgress(isTerminal(err))
+{}
+
+void Console::result(const QString& text)
+{
+    const std::lock_guard lock(m_mutex);
+    clearProgressLine();
+    write(m_out, text + u'\n');
+}
+
+void Console::notice(const QString& text)
+{
+    const std::lock_guard lock(m_mutex);
+    clearProgressLine();
+    // Results that came before have to stand before it where both go to one terminal.
+    std::fflush(m_out);
+    write(m_err, text + u'\n');
+    std::fflush(m_err);
+}
+
+void Console::setProgressLine(const QString& text)
+{
+    const std::lock_guard lock(m_mutex);
+    if (!m_showsProgress || text == m_progressLine) {
+        return;
+    }
+    clearProgressLine();
+    write(m_err, text);
+    std::fflush(m_err);
+    m_progressLine = text;
+}
+
+bool Console::confirm(const QString& question, const Interruption& interruption)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        clearProgressLine();
+        std::fflush(m_out);
+        write(m_err, question + QStringLiteral(" [y/N] "));
+        std::fflush(m_err);
+    }
+    std::array<char, 64> line{};
+    if (!interruption.waitForInput(descriptorOf(m_in)) ||
+        std::fgets(line.data(), static_cast<int>(line.size()), m_in) == nullptr) {
+        notice(QString());
+        return false;
+    }
+    const QString answer = QString::fromLocal8Bit(line.data()).trimmed().toLower();
+    return answer == QStringLiteral("y") || answer == QStringLiteral("yes");
+}
+
+bool Console::flush()
+{
+    const std::lock_guard lock(m_mutex);
+    clearProgressLine();
+    std::fflush(m_err);
+    if (std::fflush(m_out) != 0) {
+        m_failed = true;
+    }
+    return !m_failed;
+}
+
+void Console::write(std::FILE* stream, const QString& text)
+{
+    const QByteArray bytes = text.toLocal8Bit();
+    const auto size = static_cast<std::size_t>(bytes.size());
+    if (std::fwrite(bytes.constData(), 1, size, stream) != size && stream == m_out) {
+        m_failed = true;
+    }
+}
+
+void Console::clearProgressLine()
+{
+    if (m_progressLine.isEmpty()) {
+        return;
+    }
+    // Blanks instead of an escape sequence: every terminal knows them.
+    write(m_err, u'\r' + QString(m_progressLine.size(), u' ') + u'\r');
+    std::fflush(m_err);
+    m_progressLine.clear();
+}

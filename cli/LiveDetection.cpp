@@ -1,0 +1,148 @@
+#include "cli/LiveDetection.h"
+
+#include "cli/CameraSession.h"
+#include "cli/Command.h"
+#include "cli/Interruption.h"
+#include "cli/ProgressBar.h"
+#include "detection/DetectionRun.h"
+#include "hotpixel/BadpixelListModel.h"
+
+#include <QEventLoop>
+#include <QTimer>
+
+#include <algorithm>
+#include <chrono>
+#include <exception>
+
+namespace {
+
+/// How long the camera may be silent: several frames, and never less than this.
+constexpr std::chrono::milliseconds LeastPatience{10'000};
+constexpr double PatienceFrames = 5;
+
+/// Where the detection run stops counting what a camera can't store.
+constexpr int CountedAtMost = 5000;
+
+std::chrono::milliseconds patience(double framesPerSecond)
+{
+    if (framesPerSecond <= 0) {
+        return LeastPatience;
+    }
+    const std::chrono::duration<double, std::milli> frames(1000.0 * PatienceFrames /
+                                                           framesPerSecond);
+    return std::max(LeastPatience, std::chrono::duration_cast<std::chrono::milliseconds>(frames));
+}
+
+} // namespace
+
+LiveDetection::LiveDetection(CameraSession& session, BadpixelListModel& list,
+                             CommandContext& context)
+    : m_session(session)
+    , m_list(list)
+    , m_context(context)
+{}
+
+LiveDetection::Result LiveDetection::run(bool clear, int threshold, int skippedFrames)
+{
+    DetectionRun run(m_list);
+    run.start(clear, threshold);
+    const Result taken = takeFrames(run, skippedFrames);
+    return taken.outcome == Outcome::Found ? evaluate(run) : taken;
+}
+
+LiveDetection::Result LiveDetection::takeFrames(DetectionRun& run, int skippedFrames)
+{
+    if (m_context.interruption.requested()) {
+        return {Outcome::Interrupted, tr("Interrupted.")};
+    }
+    Camera& camera = m_session.camera();
+    // One image more than the run keeps: it tells that the run is complete.
+    ProgressBar progress(m_context.console, tr("Taking dark frames"),
+                         skippedFrames + DetectionRun::FrameCount + 1);
+    QEventLoop loop;
+    Result result;
+    const auto stop = [&](Outcome outcome, const QString& message) {
+        result = {outcome, message};
+        loop.quit();
+    };
+
+    QTimer silence;
+    silence.setSingleShot(true);
+    silence.setInterval(patience(camera.framerate().value));
+    int images = 0;
+    // All connections end with the loop.
+    QObject::connect(&camera, &Camera::newImage, &loop, [&](const QImage& image) {
+        if (image.isNull()) {
+            return;
+        }
+        silence.start();
+        progress.setDone(++images);
+        if (images <= skippedFrames) {
+            return;
+        }
+        switch (run.addFrame(image)) {
+        case DetectionRun::Step::Ready:
+            loop.quit();
+            break;
+        case DetectionRun::Step::NotDark:
+            stop(Outcome::NotDark, tr("Too many Hotpixel have been found. Please make sure that "
+                                      "the sensor is completely obscured."));
+            break;
+        case DetectionRun::Step::Idle:
+        case DetectionRun::Step::Collected:
+            break;
+        }
+    });
+    QObject::connect(&camera, &Camera::cameraRemoved, &loop,
+                     [&] { stop(Outcome::Unplugged, tr("The camera was unplugged.")); });
+    QObject::connect(&silence, &QTimer::timeout, &loop, [&] {
+        stop(Outcome::NoFrames,
+             tr("The camera sent no image for %1 seconds (images so far: %2, failed: %3).")
+                 .arg(silence.interval() / 1000)
+                 .arg(images)
+                 .arg(camera.failedCount()));
+    });
+    QObject::connect(&m_context.interruption, &Interruption::interrupted, &loop,
+                     [&] { stop(Outcome::Interrupted, tr("Interrupted.")); });
+    silence.start();
+    loop.exec();
+    return result;
+}
+
+LiveDetection::Result LiveDetection::evaluate(DetectionRun& run)
+{
+    const ProgressBar progress(m_context.console, tr("Looking for hotpixels"));
+    const QString full = BadpixelListModel::tr("Can't add more than %1 hotpixel entries.");
+    const QString cameraFull = full.arg(m_list.maxUserEntries());
+
+    Result result;
+    QObject::connect(&run, &DetectionRun::foundWithoutLimit,
+                     [&result](int count) { result.foundWithoutLimit = count; });
+    QObject::connect(&run, &DetectionRun::failed, [&](const QString& text) {
+        if (text == cameraFull) {
+            result.outcome = Outcome::TooMany;
+            result.message = tr("%1 The frames hold %2 hotpixels; none was taken over.")
+                                 .arg(text)
+                                 .arg(result.foundWithoutLimit);
+        } else {
+            result.outcome = Outcome::Failed;
+            result.message = text;
+        }
+    });
+    try {
+        run.evaluate(m_session.camera().colorMode());
+    } catch (const std::exception& error) {
+        // Counting them failed, too. The list that counts is full at its own limit, but its text
+        // names the limit of a camera that it does not have.
+        result.message = QString::fromUtf8(error.what());
+        result.outcome = Outcome::Failed;
+        if (result.message == full.arg(0)) {
+            result.outcome = Outcome::TooMany;
+            result.foundWithoutLimit = CountedAtMost;
+            result.message = tr("%1 The frames hold more than %2 hotpixels; none was taken over.")
+                                 .arg(cameraFull)
+                                 .arg(CountedAtMost);
+        }
+    }
+    return result;
+}

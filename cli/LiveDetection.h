@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QCoreApplication>
+#include <QString>
+
+class BadpixelListModel;
+class CameraSession;
+struct CommandContext;
+
+/// Drives a DetectionRun over the live images of an open camera, and ends it when no images come.
+class LiveDetection
+{
+    Q_DECLARE_TR_FUNCTIONS(LiveDetection)
+
+public:
+    enum class Outcome {
+        Found,       ///< the list holds what was found; so it does when that is nothing
+        NotDark,     ///< a frame is too bright for a covered sensor
+        TooMany,     ///< the camera can't store what was found; the list is as it was
+        Unplugged,   ///< the camera has gone
+        NoFrames,    ///< the camera stopped to deliver images
+        Interrupted, ///< the end was asked for
+        Failed       ///< the detector refused the frames; the list is as it was
+    };
+
+    struct Result
+    {
+        Outcome outcome = Outcome::Found;
+        QString message;           ///< one line why it stopped; empty for Found
+        int foundWithoutLimit = 0; ///< for TooMany: how many there are, as far as they were counted
+    };
+
+    /// @param list the hotpixels that are known; gets those that are found
+    LiveDetection(CameraSession& session, BadpixelListModel& list, CommandContext& context);
+
+    /// Takes the frames and finds the hotpixels; runs the event loop meanwhile.
+    /// @param clear removes the list's user entries first
+    /// @param threshold in grey levels above the mean
+    /// @param skippedFrames images that come first and are not used
+    Result run(bool clear, int threshold, int skippedFrames);
+
+private:
+    Result takeFrames(class DetectionRun& run, int skippedFrames);
+    Result evaluate(class DetectionRun& run);
+
+    CameraSession& m_session;
+    BadpixelListModel& m_list;
+    CommandContext& m_context;
+};

@@ -1,0 +1,157 @@
+#include "cli/Companion.h"
+
+#include "cli/Interruption.h"
+#include "tests/cli/EepromSdk.h"
+#include "tests/cli/RecordedConsole.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// The companion on an SDK that has no cameras and says so.
+class CompanionUse : public testing::Test
+{
+protected:
+    int run(const QStringList& arguments)
+    {
+        const auto makeSdk = [this] {
+            ++m_sdks;
+            return std::make_unique<EepromSdk>();
+        };
+        const SdkSwitch cover{QStringLiteral("cover"), QStringLiteral("Put the lens cap on."),
+                              [](CameraSdk&, std::uint32_t) {}};
+        Companion companion(makeSdk, {cover}, m_recorded.console(), m_interruption);
+        return companion.run(QStringList(QStringLiteral("/usr/bin/vorn-hotpixel")) + arguments);
+    }
+
+    static QStringList words(const char* text)
+    {
+        return QString::fromLatin1(text).split(u' ', Qt::SkipEmptyParts);
+    }
+
+    RecordedConsole m_recorded;
+    Interruption m_interruption;
+    int m_sdks = 0;
+};
+
+} // namespace
+
+TEST_F(CompanionUse, IsExplainedByHelpOfEachCommandWithoutAnyCamera)
+{
+    for (const char* command : {"", "cameras", "read", "detect", "write"}) {
+        for (const char* option : {"--help", "-h"}) {
+            EXPECT_EQ(run(words(command) + words(option)), Companion::Succeeded) << command;
+            const QByteArray text = m_recorded.out();
+            EXPECT_TRUE(text.contains("Usage: vorn-hotpixel"));
+            EXPECT_TRUE(text.contains("--json"));
+            EXPECT_TRUE(text.contains("--version"));
+        }
+    }
+    EXPECT_EQ(m_recorded.err(), QByteArray());
+    EXPECT_EQ(m_sdks, 0);
+}
+
+TEST_F(CompanionUse, FitsItsHelpIntoALineOf79Characters)
+{
+    for (const char* command : {"", "cameras", "read", "detect", "write"}) {
+        run(words(command) + words("--help"));
+    }
+    for (const QByteArray& line : m_recorded.out().split('\n')) {
+        EXPECT_LE(QString::fromLocal8Bit(line).size(), 79) << line.constData();
+    }
+}
+
+TEST_F(CompanionUse, NamesCommandsAndOptionsInItsHelp)
+{
+    run(words("--help"));
+    for (const char* command : {"cameras", "read CAMERA", "detect CAMERA", "write CAMERA FILE"}) {
+        EXPECT_TRUE(m_recorded.out().contains(command)) << command;
+    }
+    run(words("detect --help"));
+    for (const char* option :
+         {"--threshold N", "--clear", "--auto", "--out FILE", "--write", "--yes", "--cover"}) {
+        EXPECT_TRUE(m_recorded.out().contains(option)) << option;
+    }
+}
+
+TEST_F(CompanionUse, TellsItsVersion)
+{
+    const QString before = QCoreApplication::applicationVersion();
+    QCoreApplication::setApplicationVersion(QStringLiteral("4.5.6"));
+    EXPECT_EQ(run(words("--version")), Companion::Succeeded);
+    EXPECT_EQ(run(words("read --version")), Companion::Succeeded);
+    QCoreApplication::setApplicationVersion(before);
+    EXPECT_EQ(m_recorded.out(), QByteArray("vorn-hotpixel 4.5.6\nvorn-hotpixel 4.5.6\n"));
+}
+
+TEST_F(CompanionUse, EndsWithStatus2AndOneLineWhenItIsWrong)
+{
+    const struct
+    {
+        const char* arguments;
+        const char* message;
+    } cases[] = {
+        {"", "The command is missing. See \"vorn-hotpixel --help\"."},
+        {"--json", "The command is missing. See \"vorn-hotpixel --help\"."},
+        {"erase 1", "There is no command \"erase\". See \"vorn-hotpixel --help\"."},
+        {"--colour", "Unknown option 'colour'. See \"vorn-hotpixel --help\"."},
+        {"cameras 1", "\"1\" is too much. See \"vorn-hotpixel cameras --help\"."},
+        {"cameras --out x", "Unknown option 'out'. See \"vorn-hotpixel cameras --help\"."},
+        {"read", "CAMERA is missing. See \"vorn-hotpixel read --help\"."},
+        {"read 1 2", "\"2\" is too much. See \"vorn-hotpixel read --help\"."},
+        {"read 1 --out", "Missing value after '--out'. See \"vorn-hotpixel read --help\"."},
+        {"read 1 --out=",
+         "The name of the file to be saved is empty. See \"vorn-hotpixel read --help\"."},
+        {"read 1 --cover", "Unknown option 'cover'. See \"vorn-hotpixel read --help\"."},
+        {"write 1", "FILE is missing. See \"vorn-hotpixel write --help\"."},
+        {"write 1 f --out x", "Unknown option 'out'. See \"vorn-hotpixel write --help\"."},
+        {"write 1 f", "There is no terminal to ask whether to overwrite the camera's list; use "
+                      "--yes. See \"vorn-hotpixel write --help\"."},
+        {"detect 1 --write", "There is no terminal to ask whether to overwrite the camera's list; "
+                             "use --yes. See \"vorn-hotpixel detect --help\"."},
+        {"detect 1 --threshold 4", "The threshold has to be a number from 5 to 255, not \"4\". See "
+                                   "\"vorn-hotpixel detect --help\"."},
+        {"detect 1 --threshold 256", "The threshold has to be a number from 5 to 255, not \"256\". "
+                                     "See \"vorn-hotpixel detect --help\"."},
+        {"detect 1 --threshold ten", "The threshold has to be a number from 5 to 255, not \"ten\". "
+                                     "See \"vorn-hotpixel detect --help\"."},
+        {"detect 1 --threshold 5.5", "The threshold has to be a number from 5 to 255, not \"5.5\". "
+                                     "See \"vorn-hotpixel detect --help\"."},
+    };
+    QByteArray expected;
+    for (const auto& [arguments, message] : cases) {
+        EXPECT_EQ(run(words(arguments)), Companion::WrongUse) << arguments;
+        expected += QByteArray("vorn-hotpixel: ") + message + '\n';
+        EXPECT_EQ(m_recorded.err(), expected);
+    }
+    EXPECT_EQ(m_recorded.out(), QByteArray());
+}
+
+TEST_F(CompanionUse, EndsWithStatus1AndOneLineWhenItFails)
+{
+    EXPECT_EQ(run(words("cameras")), Companion::CommandFailed);
+    EXPECT_EQ(run(words("--json cameras")), Companion::CommandFailed);
+    EXPECT_EQ(run(words("detect 1 --threshold 5")), Companion::CommandFailed);
+    EXPECT_EQ(run(words("detect 1 --threshold 255")), Companion::CommandFailed);
+    EXPECT_EQ(m_recorded.err(),
+              QByteArray("vorn-hotpixel: Can't get number of cameras.\n").repeated(4));
+    EXPECT_EQ(m_recorded.out(), QByteArray());
+}
+
+TEST_F(CompanionUse, FailsWhenTheResultsCantBeWritten)
+{
+    std::FILE* full = std::fopen("/dev/full", "w");
+    if (full == nullptr) {
+        GTEST_SKIP() << "there is no /dev/full";
+    }
+    std::FILE* err = std::tmpfile();
+    {
+        Console console(stdin, full, err);
+        Companion companion([] { return std::make_unique<EepromSdk>(); }, {}, console,
+                            m_interruption);
+        EXPECT_EQ(companion.run({QStringLiteral("vorn-hotpixel"), QStringLiteral("--help")}),
+                  Companion::CommandFailed);
+    }
+    std::fclose(full);
+    std::fclose(err);
+}

@@ -1,0 +1,246 @@
+#include "cli/GuardedWrite.h"
+
+#include "cli/CommandError.h"
+#include "hotpixel/BadpixelListFile.h"
+#include "tests/cli/EepromSdk.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <gtest/gtest.h>
+
+#include <optional>
+
+namespace {
+
+using Fault = EepromSdk::Fault;
+using Entries = std::vector<BadpixelEntry>;
+
+const Entries OldList{{3, 4, UserPixel}, {5, 6, UserPixel}, {700, 800, UserPixel}};
+const Entries NewList{{9, 9, UserPixel}, {10, 9, UserPixel}};
+
+QStringList filesIn(const QString& folder)
+{
+    return QDir(folder).entryList(QDir::Files | QDir::Hidden);
+}
+
+/// A camera that holds @p old, and a folder for its backups.
+struct Bench
+{
+    explicit Bench(Entries old = OldList) { sdk.user = std::move(old); }
+
+    GuardedWrite guardedWrite()
+    {
+        return {CameraLists(sdk, 1), QStringLiteral("4102/7"), folder()};
+    }
+
+    [[nodiscard]] QString folder() const { return home.filePath(QStringLiteral("backups")); }
+
+    /// Checks and writes; the text of what was thrown, empty when nothing was.
+    QString replaceBy(const Entries& list)
+    {
+        GuardedWrite write = guardedWrite();
+        try {
+            write.check(list);
+            backup = write.write();
+        } catch (const cli::CommandError& error) {
+            return QString::fromUtf8(error.what());
+        }
+        return {};
+    }
+
+    EepromSdk sdk;
+    QTemporaryDir home;
+    QString backup;
+};
+
+} // namespace
+
+TEST(GuardedWrite, ReplacesTheListAndKeepsTheOldOneInAFile)
+{
+    Bench bench;
+    EXPECT_EQ(bench.replaceBy(NewList), QString());
+    EXPECT_EQ(bench.sdk.user, NewList);
+    EXPECT_EQ(hotpixel::readListFile(bench.backup), OldList);
+    EXPECT_EQ(filesIn(bench.folder()).size(), 1);
+    EXPECT_TRUE(QFileInfo(bench.backup).fileName().startsWith(QStringLiteral("4102_7-user-list-")));
+}
+
+TEST(GuardedWrite, SavesTheOldListBeforeTheCameraIsTouched)
+{
+    Bench bench;
+    std::optional<Entries> savedBefore;
+    bench.sdk.beforeChange = [&] {
+        const QDir folder(bench.folder());
+        const QStringList files = filesIn(bench.folder());
+        ASSERT_EQ(files.size(), 1);
+        savedBefore = hotpixel::readListFile(folder.filePath(files.front()));
+    };
+    EXPECT_EQ(bench.replaceBy(NewList), QString());
+    EXPECT_EQ(savedBefore, OldList);
+}
+
+TEST(GuardedWrite, DeletesTheListForNoEntries)
+{
+    Bench bench;
+    EXPECT_EQ(bench.replaceBy({}), QString());
+    EXPECT_TRUE(bench.sdk.user.empty());
+    EXPECT_EQ(hotpixel::readListFile(bench.backup), OldList);
+}
+
+TEST(GuardedWrite, KeepsAnEmptyFileOfACameraWithoutEntries)
+{
+    Bench bench(Entries{});
+    EXPECT_EQ(bench.replaceBy(NewList), QString());
+    EXPECT_EQ(bench.sdk.user, NewList);
+    EXPECT_EQ(QFileInfo(bench.backup).size(), 0);
+}
+
+TEST(GuardedWrite, RefusesAListThatIsLongerThanTheCapacity)
+{
+    Bench bench;
+    bench.sdk.capacity = 1;
+    EXPECT_EQ(bench.replaceBy(NewList),
+              QStringLiteral("The list has 2 user entries, but the camera can store 1 at most."));
+    EXPECT_EQ(bench.sdk.writes, 0);
+    EXPECT_TRUE(filesIn(bench.folder()).isEmpty());
+}
+
+TEST(GuardedWrite, FillsTheCameraToItsCapacity)
+{
+    Bench bench;
+    bench.sdk.capacity = 2;
+    EXPECT_EQ(bench.replaceBy(NewList), QString());
+    EXPECT_EQ(bench.sdk.user, NewList);
+}
+
+TEST(GuardedWrite, SavesMoreOldEntriesThanTheEditorCanShow)
+{
+    Entries old;
+    for (std::uint16_t i = 0; i < 1500; ++i) {
+        old.push_back({i, static_cast<std::uint16_t>(2 * i), UserPixel});
+    }
+    Bench bench(old);
+    EXPECT_EQ(bench.replaceBy(NewList), QString());
+    EXPECT_EQ(hotpixel::readListFile(bench.backup), old);
+}
+
+TEST(GuardedWrite, WritesNothingWhenTheOldListCantBeRead)
+{
+    for (const int call : {2, 3}) {
+        Bench bench;
+        bench.sdk.fault = Fault::Refuse;
+        bench.sdk.faultyCall = call;
+        EXPECT_EQ(bench.replaceBy(NewList),
+                  QStringLiteral("Can't read the camera's user list: The EEPROM is tired."));
+        EXPECT_EQ(bench.sdk.writes, 0);
+    }
+}
+
+TEST(GuardedWrite, WritesNothingWhenTheCapacityCantBeRead)
+{
+    Bench bench;
+    bench.sdk.fault = Fault::Refuse;
+    bench.sdk.faultyCall = 1;
+    EXPECT_EQ(bench.replaceBy(NewList), QStringLiteral("Can't read the capacity of the camera's "
+                                                       "user list: The EEPROM is tired."));
+    EXPECT_EQ(bench.sdk.writes, 0);
+}
+
+TEST(GuardedWrite, WritesNothingWhenTheCapacityIsNonsense)
+{
+    Bench bench;
+    bench.sdk.capacity = -5;
+    EXPECT_EQ(bench.replaceBy({}), QStringLiteral("Can't read the capacity of the camera's user "
+                                                  "list: the camera answers -5."));
+    EXPECT_EQ(bench.sdk.writes, 0);
+}
+
+TEST(GuardedWrite, WritesNothingWhenTheOldListCantBeSaved)
+{
+    Bench bench;
+    QFile inTheWay(bench.folder());
+    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
+    EXPECT_TRUE(bench.replaceBy(NewList).startsWith(QStringLiteral("Can't save the old list in ")));
+    EXPECT_EQ(bench.sdk.writes, 0);
+    EXPECT_EQ(bench.sdk.user, OldList);
+}
+
+TEST(GuardedWrite, PutsTheOldListBackWhenTheCameraStoredAnother)
+{
+    Bench bench;
+    bench.sdk.fault = Fault::StoreOther;
+    bench.sdk.faultyCall = 4;
+    const QString text = bench.replaceBy(NewList);
+    EXPECT_TRUE(text.startsWith(
+        QStringLiteral("The camera did not store the list as it was written. The camera holds the "
+                       "old list, which is also in ")))
+        << qPrintable(text);
+    EXPECT_EQ(bench.sdk.user, OldList);
+}
+
+TEST(GuardedWrite, DoesNotWriteASecondTimeWhenTheFirstOneWasRefusedAsAWhole)
+{
+    Bench bench;
+    bench.sdk.fault = Fault::Refuse;
+    bench.sdk.faultyCall = 4;
+    EXPECT_TRUE(bench.replaceBy(NewList).startsWith(
+        QStringLiteral("Error writing hotpixel list: The EEPROM is tired. The camera holds the old "
+                       "list")));
+    EXPECT_EQ(bench.sdk.writes, 1);
+}
+
+TEST(GuardedWrite, SaysWhereTheOldListIsWhenTheCameraHasGone)
+{
+    Bench bench;
+    bench.sdk.fault = Fault::RefuseFromThenOn;
+    bench.sdk.faultyCall = 5;
+    const QString text = bench.replaceBy(NewList);
+    EXPECT_TRUE(text.contains(QStringLiteral("The old list could not be put back (Error writing "
+                                             "hotpixel list: The EEPROM is tired.); it is in ")))
+        << qPrintable(text);
+    EXPECT_TRUE(text.contains(filesIn(bench.folder()).value(0)));
+}
+
+// One fault at each call in each way, for lists of every kind: whatever happens, the camera ends
+// with one of the two lists, and as soon as it may not hold the old one any more, a file does.
+TEST(GuardedWrite, LeavesTheOldOrTheNewListWhateverGoesWrong)
+{
+    const std::vector<Entries> lists{{}, NewList, OldList};
+    int injected = 0;
+    for (const Entries& old : lists) {
+        for (const Entries& wanted : lists) {
+            for (const Fault fault :
+                 {Fault::Refuse, Fault::RefuseWithGarbage, Fault::RefuseFromThenOn, Fault::Tear,
+                  Fault::StoreOther, Fault::StoreAndFail}) {
+                bool reached = true;
+                for (int call = 1; reached; ++call) {
+                    Bench bench(old);
+                    bench.sdk.fault = fault;
+                    bench.sdk.faultyCall = call;
+                    const QString failure = bench.replaceBy(wanted);
+                    reached = bench.sdk.calls >= call;
+                    injected += reached ? 1 : 0;
+
+                    SCOPED_TRACE(testing::Message()
+                                 << "fault " << static_cast<int>(fault) << " at call " << call
+                                 << ", " << old.size() << " old and " << wanted.size()
+                                 << " new entries: " << qPrintable(failure));
+                    EXPECT_TRUE(bench.sdk.user == old || bench.sdk.user == wanted);
+                    if (failure.isEmpty()) {
+                        EXPECT_EQ(bench.sdk.user, wanted);
+                    }
+                    const QStringList files = filesIn(bench.folder());
+                    if (bench.sdk.writes > 0) {
+                        ASSERT_EQ(files.size(), 1);
+                        EXPECT_EQ(
+                            hotpixel::readListFile(QDir(bench.folder()).filePath(files.front())),
+                            old);
+                    }
+                }
+            }
+        }
+    }
+    EXPECT_GT(injected, 200);
+    std::printf("%d faults injected\n", injected);
+}
