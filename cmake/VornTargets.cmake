@@ -52,11 +52,17 @@ function(_vorn_target_defaults target)
     PROPERTIES AUTOMOC ON
                AUTOUIC ON
                AUTORCC ON
+               # Not every Qt can unpack zstd, which rcc takes when the host's Qt can.
+               AUTORCC_OPTIONS --no-zstd
                CXX_STANDARD 20
                CXX_STANDARD_REQUIRED ON
                CXX_EXTENSIONS OFF)
   target_compile_definitions(${target} PRIVATE QT_NO_CAST_TO_ASCII QT_NO_FOREACH
                                                QT_NO_URL_CAST_FROM_STRING)
+  if(WIN32)
+    # windows.h without the macros min and max and without what nobody here uses.
+    target_compile_definitions(${target} PRIVATE NOMINMAX WIN32_LEAN_AND_MEAN)
+  endif()
   target_link_libraries(${target} PRIVATE vorn_warnings vorn_sanitizers)
 endfunction()
 
