@@ -1,16 +1,19 @@
 #include "simulator/BusDescription.h"
 
+#include "simulator/IniFile.h"
+
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
 
 #include <algorithm>
-#include <cmath>
+#include <limits>
+#include <memory>
 #include <set>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
@@ -218,7 +221,7 @@ CameraDescription readCamera(Group group, std::uint32_t number, const QDir& fold
     group.flag("plugged", camera.plugged);
     group.refuseTheRest();
 
-    constexpr qint64 MostPixels = 128 * 1024 * 1024;
+    constexpr qint64 MostPixels = qint64{128} << 20;
     if (pixels > MostPixels) {
         refuse(translated("camera %1: a sensor of %2 x %3 pixels is too large")
                    .arg(number)
@@ -230,21 +233,8 @@ CameraDescription readCamera(Group group, std::uint32_t number, const QDir& fold
 
 BusDescription readWholeBus(const QString& fileName)
 {
-    if (!QFileInfo(fileName).isFile()) {
-        refuse(translated("there is no such file"));
-    }
-    constexpr qint64 LargestFile = 1024 * 1024;
-    if (QFileInfo(fileName).size() > LargestFile) {
-        refuse(translated("the file is too large"));
-    }
-    QFile readable(fileName);
-    if (!readable.open(QIODevice::ReadOnly)) {
-        refuse(readable.errorString());
-    }
-    const QSettings file(fileName, QSettings::IniFormat);
-    if (file.status() != QSettings::NoError) {
-        refuse(translated("the file is not an INI file"));
-    }
+    const std::unique_ptr<QSettings> settings = simulator::openIniFile(fileName);
+    const QSettings& file = *settings;
 
     BusDescription bus;
     Group general(file, QStringLiteral("bus"));

@@ -5,8 +5,9 @@
 #include <QImage>
 #include <QImageReader>
 
-#include <array>
+#include <algorithm>
 #include <cstring>
+#include <numeric>
 #include <stdexcept>
 
 namespace {
@@ -23,27 +24,25 @@ QString translated(const char* text)
     throw std::runtime_error(text.toStdString());
 }
 
-/// What each byte of an 8-bit image stands for; only images that are grey throughout have this.
-bool greyValues(const QImage& image, std::array<char, 256>& values)
+/// The grey value that each byte of an 8-bit image stands for, -1 for a byte that stands for none;
+/// empty for an image of another kind.
+std::vector<int> greyValues(const QImage& image)
 {
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        values[i] = static_cast<char>(i);
-    }
+    std::vector<int> values;
     if (image.format() == QImage::Format_Grayscale8) {
-        return true;
-    }
-    if (image.format() != QImage::Format_Indexed8) {
-        return false;
-    }
-    const QList<QRgb> colors = image.colorTable();
-    for (qsizetype i = 0; i < colors.size(); ++i) {
-        const QRgb color = colors[i];
-        if (qRed(color) != qGreen(color) || qGreen(color) != qBlue(color)) {
-            return false;
+        values.resize(256);
+        std::iota(values.begin(), values.end(), 0);
+    } else if (image.format() == QImage::Format_Indexed8) {
+        values.assign(256, -1);
+        const QList<QRgb> colors = image.colorTable();
+        for (qsizetype i = 0; i < std::min<qsizetype>(colors.size(), 256); ++i) {
+            const QRgb color = colors[i];
+            if (qRed(color) == qGreen(color) && qGreen(color) == qBlue(color)) {
+                values[static_cast<std::size_t>(i)] = qRed(color);
+            }
         }
-        values[static_cast<std::size_t>(i)] = static_cast<char>(qRed(color));
     }
-    return true;
+    return values;
 }
 
 QByteArray readFrame(const QString& fileName, int width, int height)
@@ -53,9 +52,10 @@ QByteArray readFrame(const QString& fileName, int width, int height)
     if (image.isNull()) {
         refuse(translated("%1: %2").arg(fileName, reader.errorString()));
     }
-    std::array<char, 256> values{};
-    if (!greyValues(image, values)) {
-        refuse(translated("%1: not an 8-bit grey image").arg(fileName));
+    const QString notGrey = translated("%1: not an 8-bit grey image").arg(fileName);
+    const std::vector<int> values = greyValues(image);
+    if (values.empty()) {
+        refuse(notGrey);
     }
     if (image.width() != width || image.height() != height) {
         refuse(translated("%1: %2 x %3 pixels instead of %4 x %5")
@@ -70,7 +70,12 @@ QByteArray readFrame(const QString& fileName, int width, int height)
     for (int y = 0; y < height; ++y) {
         const uchar* line = image.constScanLine(y);
         for (int x = 0; x < width; ++x) {
-            bytes.append(values[line[x]]);
+            // Only the colours in use have to be grey: tables are often filled up with anything.
+            const int value = values[line[x]];
+            if (value < 0) {
+                refuse(notGrey);
+            }
+            bytes.append(static_cast<char>(value));
         }
     }
     return bytes;

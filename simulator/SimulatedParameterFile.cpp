@@ -1,3 +1,4 @@
+#include "simulator/IniFile.h"
 #include "simulator/SdkErrors.h"
 #include "simulator/SimulatedCamera.h"
 #include "simulator/SimulatedCameraSdk.h"
@@ -10,6 +11,7 @@
 #include <cmath>
 #include <iterator>
 #include <optional>
+#include <stdexcept>
 
 // The settings file that an opened camera loads.
 
@@ -24,9 +26,11 @@ std::int32_t SimulatedCameraSdk::loadParameters(Handle handle, const char* fileN
             if (!QFileInfo(name).isFile() || !QFile(name).open(QIODevice::ReadOnly)) {
                 return camera::FileNotOpened;
             }
-            const QSettings file(name, QSettings::IniFormat);
-            return file.status() == QSettings::NoError ? camera.loadParameters(file)
-                                                       : simulator::InvalidParameterFile;
+            try {
+                return camera.loadParameters(*simulator::openIniFile(name));
+            } catch (const std::runtime_error&) {
+                return simulator::InvalidParameterFile;
+            }
         });
 }
 

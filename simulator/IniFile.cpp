@@ -1,0 +1,49 @@
+#include "simulator/IniFile.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+
+#include <stdexcept>
+
+namespace {
+
+[[noreturn]] void refuse(const QString& reason)
+{
+    throw std::runtime_error(reason.toStdString());
+}
+
+QString translated(const char* text)
+{
+    return QCoreApplication::translate("IniFile", text);
+}
+
+} // namespace
+
+namespace simulator {
+
+std::unique_ptr<QSettings> openIniFile(const QString& fileName)
+{
+    if (!QFileInfo(fileName).isFile()) {
+        refuse(translated("there is no such file"));
+    }
+    QFile file(fileName);
+    if (!file.open(QIODevice::ReadOnly)) {
+        refuse(file.errorString());
+    }
+    constexpr qint64 LargestFile = qint64{1} << 20;
+    const QByteArray text = file.read(LargestFile + 1);
+    if (text.size() > LargestFile) {
+        refuse(translated("the file is too large"));
+    }
+    if (text.contains('@') || text.contains('\\')) {
+        refuse(translated("the characters @ and \\ can't be used"));
+    }
+    auto settings = std::make_unique<QSettings>(fileName, QSettings::IniFormat);
+    if (settings->status() != QSettings::NoError) {
+        refuse(translated("the file is not an INI file"));
+    }
+    return settings;
+}
+
+} // namespace simulator
