@@ -1,0 +1,609 @@
+#include "simulator/SimulatedCameraSdk.h"
+
+#include "simulator/SdkErrors.h"
+#include "tests/simulator/SimulatedBench.h"
+
+#include <QFile>
+
+#include <cstring>
+#include <limits>
+
+using bench::Bench;
+using bench::OpenedCamera;
+
+namespace {
+
+std::vector<CameraListEntry> listedCameras(CameraSdk& sdk, std::uint32_t room)
+{
+    std::vector<std::uint32_t> words((sizeof(CameraListEntry) * room + 4) / 4 + 1);
+    auto* list = reinterpret_cast<CameraList*>(words.data());
+    list->count = room;
+    EXPECT_EQ(sdk.getCameraList(list), 0);
+    std::vector<CameraListEntry> entries(list->count);
+    if (!entries.empty()) {
+        std::memcpy(entries.data(), list->entries, entries.size() * sizeof(CameraListEntry));
+    }
+    return entries;
+}
+
+std::string errorText(CameraSdk& sdk, CameraSdk::Handle handle, std::int32_t code)
+{
+    char* text = nullptr;
+    return sdk.getError(handle, &code, &text) == 0 ? text : "Unknown error.";
+}
+
+/// Calls every operation that takes a handle, with good arguments otherwise.
+std::vector<std::int32_t> callEverything(CameraSdk& sdk, CameraSdk::Handle handle)
+{
+    char* memory = nullptr;
+    std::int32_t number = 0;
+    double a = 0;
+    double b = 0;
+    double c = 0;
+    SensorInfo info{};
+    EventHandle event = createEventObject();
+    return {
+        sdk.stopLiveVideo(handle, camera::Wait),
+        sdk.startLiveVideo(handle, camera::DontWait),
+        sdk.setColorMode(handle, camera::ColorModeBayer8),
+        sdk.setColorMode(handle, camera::QueryCurrent),
+        sdk.allocImageMemory(handle, 8, 8, 8, &memory, &number),
+        sdk.initEvent(handle, event, camera::EventFrame),
+        sdk.enableEvent(handle, camera::EventFrame),
+        sdk.disableEvent(handle, camera::EventFrame),
+        sdk.exitEvent(handle, camera::EventFrame),
+        sdk.clearSequence(handle),
+        sdk.getFrameMemory(handle, 0, 0, &memory),
+        sdk.setPixelClock(handle, camera::QueryCurrent),
+        sdk.getSensorInfo(handle, &info),
+        sdk.setHardwareGain(handle, 0, -1, -1, -1),
+        sdk.getFramesPerSecond(handle, &a),
+        sdk.setFrameRate(handle, 1.0, &a),
+        sdk.setExposureTime(handle, 1.0, &a),
+        sdk.exitCamera(handle),
+        sdk.getFrameTimeRange(handle, &a, &b, &c),
+        sdk.getExposureRange(handle, &a, &b, &c),
+        sdk.getPixelClockRange(handle, &number, &number),
+        sdk.loadParameters(handle, "/no/such/file"),
+        sdk.hotpixelCommand(handle, camera::CorrectionOnFirst, nullptr, 0),
+    };
+}
+
+TEST(SimulatedCameraList, HoldsWhatTheDescriptionSays)
+{
+    Bench bench;
+    std::int32_t count = 0;
+    ASSERT_EQ(bench.sdk->getNumberOfCameras(&count), 0);
+    EXPECT_EQ(count, 2);
+    const auto entries = listedCameras(*bench.sdk, 2);
+    ASSERT_EQ(entries.size(), 2U);
+    EXPECT_EQ(entries[0].camId, 1U);
+    EXPECT_EQ(entries[0].devId, 1U);
+    EXPECT_EQ(entries[0].status, 0U);
+    EXPECT_STREQ(entries[0].serNo, "M1");
+    EXPECT_STREQ(entries[0].model, "Small mono");
+    EXPECT_EQ(entries[1].camId, 7U);
+    EXPECT_EQ(entries[1].devId, 2U);
+    EXPECT_STREQ(entries[1].serNo, "B2");
+}
+
+TEST(SimulatedCameraList, WritesNoMoreThanThereIsRoomFor)
+{
+    Bench bench;
+    EXPECT_EQ(listedCameras(*bench.sdk, 1).size(), 1U);
+    EXPECT_EQ(listedCameras(*bench.sdk, 0).size(), 0U);
+    EXPECT_EQ(listedCameras(*bench.sdk, 5).size(), 2U);
+}
+
+TEST(SimulatedCameraList, LeavesUnpluggedCamerasOut)
+{
+    Bench bench;
+    bench.sdk->setPlugged(QStringLiteral("M1"), false);
+    std::int32_t count = 0;
+    ASSERT_EQ(bench.sdk->getNumberOfCameras(&count), 0);
+    EXPECT_EQ(count, 1);
+    const auto entries = listedCameras(*bench.sdk, 2);
+    ASSERT_EQ(entries.size(), 1U);
+    EXPECT_EQ(entries[0].devId, 2U);
+}
+
+TEST(SimulatedCameraList, ShowsWhichCamerasAreInUse)
+{
+    Bench bench;
+    {
+        const OpenedCamera opened(*bench.sdk);
+        EXPECT_EQ(listedCameras(*bench.sdk, 2)[0].status, 1U);
+        EXPECT_EQ(listedCameras(*bench.sdk, 2)[1].status, 0U);
+    }
+    EXPECT_EQ(listedCameras(*bench.sdk, 2)[0].status, 0U);
+    bench.sdk->setHeldElsewhere(QStringLiteral("B2"), true);
+    EXPECT_EQ(listedCameras(*bench.sdk, 2)[1].status, 1U);
+}
+
+TEST(SimulatedCameraOpening, GivesAHandleThatNoOtherOpeningHad)
+{
+    Bench bench;
+    CameraSdk::Handle first = 1 | camera::OpenByDevice;
+    ASSERT_EQ(bench.sdk->initCamera(&first, nullptr), 0);
+    EXPECT_NE(first, 0U);
+    EXPECT_EQ(bench.sdk->openCameras(), 1);
+    ASSERT_EQ(bench.sdk->exitCamera(first), 0);
+    EXPECT_EQ(bench.sdk->openCameras(), 0);
+    CameraSdk::Handle second = 1 | camera::OpenByDevice;
+    ASSERT_EQ(bench.sdk->initCamera(&second, nullptr), 0);
+    EXPECT_NE(second, first);
+}
+
+TEST(SimulatedCameraOpening, WithoutTheDeviceFlagTheCameraIdCounts)
+{
+    Bench bench;
+    CameraSdk::Handle handle = 7;
+    ASSERT_EQ(bench.sdk->initCamera(&handle, nullptr), 0);
+    bench.sdk->setPlugged(QStringLiteral("M1"), false);
+    EXPECT_EQ(bench.sdk->setColorMode(handle, camera::QueryCurrent), 11) << "the Bayer camera";
+}
+
+TEST(SimulatedCameraOpening, OfAnUnknownCameraFailsAndLeavesTheSelector)
+{
+    Bench bench;
+    CameraSdk::Handle handle = 99 | camera::OpenByDevice;
+    EXPECT_EQ(bench.sdk->initCamera(&handle, nullptr), simulator::CameraNotFound);
+    EXPECT_EQ(handle, 99 | camera::OpenByDevice);
+    EXPECT_EQ(bench.sdk->initCamera(nullptr, nullptr), simulator::NullPointer);
+}
+
+TEST(SimulatedCameraOpening, OfAnUnpluggedCameraFails)
+{
+    Bench bench;
+    bench.sdk->setPlugged(QStringLiteral("M1"), false);
+    CameraSdk::Handle handle = 1 | camera::OpenByDevice;
+    EXPECT_EQ(bench.sdk->initCamera(&handle, nullptr), simulator::CameraNotFound);
+}
+
+TEST(SimulatedCameraOpening, OfACameraInUseFails)
+{
+    Bench bench;
+    CameraSdk::Handle handle = 1 | camera::OpenByDevice;
+    bench.sdk->setHeldElsewhere(QStringLiteral("M1"), true);
+    EXPECT_EQ(bench.sdk->initCamera(&handle, nullptr), simulator::CameraInUse);
+    bench.sdk->setHeldElsewhere(QStringLiteral("M1"), false);
+    const OpenedCamera opened(*bench.sdk);
+    EXPECT_EQ(bench.sdk->initCamera(&handle, nullptr), simulator::CameraInUse);
+}
+
+TEST(SimulatedCameraOpening, IsSeenByAnotherProgram)
+{
+    Bench bench;
+    SimulatedCameraSdk other(bench.bus);
+    CameraSdk::Handle handle = 1 | camera::OpenByDevice;
+    {
+        const OpenedCamera opened(*bench.sdk);
+        EXPECT_EQ(listedCameras(other, 2)[0].status, 1U);
+        EXPECT_EQ(listedCameras(other, 2)[1].status, 0U);
+        EXPECT_EQ(other.initCamera(&handle, nullptr), simulator::CameraInUse);
+    }
+    EXPECT_EQ(listedCameras(other, 2)[0].status, 0U);
+    EXPECT_EQ(other.initCamera(&handle, nullptr), 0);
+    EXPECT_EQ(listedCameras(*bench.sdk, 2)[0].status, 1U);
+}
+
+TEST(SimulatedCameraOpening, IgnoresTheLockOfAProgramThatWasKilled)
+{
+    Bench bench;
+    {
+        const OpenedCamera opened(*bench.sdk); // makes the folder
+    }
+    QFile lock(bench.bus.eepromFolder + QStringLiteral("/M1.lock"));
+    ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
+    // What the toolkit's lock file holds: process, program, host; no process has this number.
+    lock.write("2147483646\nkilled\n" + QSysInfo::machineHostName().toLocal8Bit() + '\n');
+    lock.close();
+    EXPECT_EQ(listedCameras(*bench.sdk, 2)[0].status, 0U);
+    const OpenedCamera opened(*bench.sdk);
+    EXPECT_EQ(bench.sdk->openCameras(), 1);
+}
+
+TEST(SimulatedFirmwareUpload, IsAskedForOnceAndRemembered)
+{
+    CameraDescription camera = bench::smallMono();
+    camera.firmwareUpload = true;
+    camera.firmwareUploadMsec = 3000;
+    Bench bench({camera});
+    CameraSdk::Handle handle = 1 | camera::OpenByDevice;
+    ASSERT_EQ(bench.sdk->initCamera(&handle, nullptr), camera::FirmwareUploadNeeded);
+    EXPECT_EQ(bench.sdk->openCameras(), 0);
+    EXPECT_EQ(listedCameras(*bench.sdk, 1)[0].status, 0U);
+
+    std::int32_t msec = 25000;
+    ASSERT_EQ(bench.sdk->getFirmwareUploadTime(handle, 1, &msec), 0);
+    EXPECT_EQ(msec, 3000);
+    handle = 1 | camera::OpenWithFirmwareUpload;
+    ASSERT_EQ(bench.sdk->initCamera(&handle, nullptr), 0);
+    bench.sdk->exitCamera(handle);
+
+    bench.restart();
+    handle = 1 | camera::OpenByDevice;
+    ASSERT_EQ(bench.sdk->getFirmwareUploadTime(handle, 1, &msec), 0);
+    EXPECT_EQ(msec, 0);
+    EXPECT_EQ(bench.sdk->initCamera(&handle, nullptr), 0);
+}
+
+TEST(SimulatedFirmwareUpload, TheTimeOfAnUnknownCameraIsLeftAlone)
+{
+    Bench bench;
+    std::int32_t msec = 25000;
+    EXPECT_EQ(bench.sdk->getFirmwareUploadTime(99 | camera::OpenByDevice, 1, &msec),
+              simulator::CameraNotFound);
+    EXPECT_EQ(msec, 25000);
+    EXPECT_EQ(bench.sdk->getFirmwareUploadTime(1, 1, nullptr), simulator::NullPointer);
+}
+
+TEST(SimulatedSdkErrors, AnUnknownHandleIsRefusedEverywhere)
+{
+    Bench bench;
+    const OpenedCamera opened(*bench.sdk);
+    for (const std::int32_t result : callEverything(*bench.sdk, opened.handle + 1)) {
+        EXPECT_EQ(result, simulator::InvalidHandle);
+    }
+}
+
+TEST(SimulatedSdkErrors, AClosedCameraIsRefusedEverywhere)
+{
+    Bench bench;
+    OpenedCamera opened(*bench.sdk);
+    opened.close();
+    for (const std::int32_t result : callEverything(*bench.sdk, opened.handle)) {
+        EXPECT_EQ(result, simulator::CameraClosed);
+    }
+}
+
+TEST(SimulatedSdkErrors, WithHandleNullNothingButDeviceEventsWorks)
+{
+    Bench bench;
+    const std::vector<std::int32_t> results = callEverything(*bench.sdk, 0);
+    for (const std::int32_t result : results) {
+        EXPECT_TRUE(result == simulator::InvalidHandle || result == simulator::InvalidParameter)
+            << result;
+    }
+    EventHandle event = createEventObject();
+    EXPECT_EQ(bench.sdk->initEvent(0, event, camera::EventDeviceNew), 0);
+    EXPECT_EQ(bench.sdk->enableEvent(0, camera::EventDeviceNew), 0);
+    EXPECT_EQ(bench.sdk->disableEvent(0, camera::EventDeviceNew), 0);
+    EXPECT_EQ(bench.sdk->exitEvent(0, camera::EventDeviceNew), 0);
+}
+
+TEST(SimulatedSdkErrors, AnUnpluggedCameraCanOnlyBeGivenUp)
+{
+    Bench bench;
+    OpenedCamera opened(*bench.sdk);
+    bench.sdk->setPlugged(QStringLiteral("M1"), false);
+    double number = 0;
+    const CameraSdk::Handle handle = opened.handle;
+    EXPECT_EQ(bench.sdk->setPixelClock(handle, camera::QueryCurrent), simulator::CameraUnplugged);
+    EXPECT_EQ(bench.sdk->getFramesPerSecond(handle, &number), simulator::CameraUnplugged);
+    EXPECT_EQ(bench.sdk->setExposureTime(handle, 1.0, &number), simulator::CameraUnplugged);
+    EXPECT_EQ(bench.sdk->hotpixelCommand(handle, camera::DeleteUserList, nullptr, 0),
+              simulator::CameraUnplugged);
+    EXPECT_EQ(bench.sdk->startLiveVideo(handle, camera::DontWait), simulator::CameraUnplugged);
+    EXPECT_EQ(bench.sdk->stopLiveVideo(handle, camera::Wait), 0);
+    EXPECT_EQ(bench.sdk->exitCamera(handle), 0);
+}
+
+TEST(SimulatedSdkErrors, MissingPointersAreRefused)
+{
+    Bench bench;
+    const OpenedCamera opened(*bench.sdk);
+    const CameraSdk::Handle handle = opened.handle;
+    SimulatedCameraSdk& sdk = *bench.sdk;
+    char* memory = nullptr;
+    std::int32_t number = 0;
+    double value = 0;
+    const std::vector<std::int32_t> results{
+        sdk.getError(handle, nullptr, &memory),
+        sdk.getError(handle, &number, nullptr),
+        sdk.allocImageMemory(handle, 8, 8, 8, nullptr, &number),
+        sdk.allocImageMemory(handle, 8, 8, 8, &memory, nullptr),
+        sdk.freeImageMemory(handle, nullptr, 1),
+        sdk.initEvent(handle, nullptr, camera::EventFrame),
+        sdk.addToSequence(handle, nullptr, 1),
+        sdk.getFrameMemory(handle, 0, 0, nullptr),
+        sdk.getSensorInfo(handle, nullptr),
+        sdk.getFramesPerSecond(handle, nullptr),
+        sdk.setFrameRate(handle, 1.0, nullptr),
+        sdk.setExposureTime(handle, 1.0, nullptr),
+        sdk.getNumberOfCameras(nullptr),
+        sdk.getFrameTimeRange(handle, nullptr, &value, &value),
+        sdk.getFrameTimeRange(handle, &value, nullptr, &value),
+        sdk.getExposureRange(handle, &value, &value, nullptr),
+        sdk.getPixelClockRange(handle, nullptr, &number),
+        sdk.getPixelClockRange(handle, &number, nullptr),
+        sdk.loadParameters(handle, nullptr),
+        sdk.getCameraList(nullptr),
+        sdk.getFirmwareUploadTime(handle, 1, nullptr),
+        sdk.hotpixelCommand(handle, camera::GetUserCount, nullptr, 4),
+        sdk.hotpixelCommand(handle, camera::SetUserList, nullptr, 2),
+    };
+    for (std::size_t i = 0; i < results.size(); ++i) {
+        EXPECT_EQ(results[i], simulator::NullPointer) << "call " << i;
+    }
+}
+
+TEST(SimulatedSdkErrors, EachHasAText)
+{
+    Bench bench;
+    for (std::int32_t code = simulator::InvalidHandle; code <= simulator::FirmwareUploadFailed;
+         ++code) {
+        EXPECT_NE(errorText(*bench.sdk, 0, code), "Unknown error.") << code;
+    }
+    EXPECT_EQ(errorText(*bench.sdk, 0, camera::FileNotOpened),
+              "The settings file can't be opened.");
+    EXPECT_EQ(errorText(*bench.sdk, 0, simulator::CameraClosed), "The camera is closed.");
+    EXPECT_EQ(errorText(*bench.sdk, 0, 4711), "Unknown error.");
+}
+
+TEST(SimulatedColorModes, AMonoCameraStaysMono)
+{
+    Bench bench;
+    const OpenedCamera mono(*bench.sdk, 1);
+    EXPECT_EQ(bench.sdk->setColorMode(mono.handle, camera::QueryCurrent), 6);
+    EXPECT_EQ(bench.sdk->setColorMode(mono.handle, 11), 0);
+    EXPECT_EQ(bench.sdk->setColorMode(mono.handle, camera::QueryCurrent), 6);
+}
+
+TEST(SimulatedColorModes, ABayerCameraHasThemAll)
+{
+    Bench bench;
+    const OpenedCamera bayer(*bench.sdk, 2);
+    EXPECT_EQ(bench.sdk->setColorMode(bayer.handle, camera::QueryCurrent), 11);
+    for (const std::int32_t mode : {6, 0, 11}) {
+        EXPECT_EQ(bench.sdk->setColorMode(bayer.handle, mode), 0);
+        EXPECT_EQ(bench.sdk->setColorMode(bayer.handle, camera::QueryCurrent), mode);
+    }
+}
+
+TEST(SimulatedColorModes, OthersAreRefused)
+{
+    Bench bench;
+    const OpenedCamera bayer(*bench.sdk, 2);
+    for (const std::int32_t mode : {-1, 1, 12, 0x8001}) {
+        EXPECT_EQ(bench.sdk->setColorMode(bayer.handle, mode), simulator::InvalidColorMode);
+    }
+    EXPECT_EQ(bench.sdk->setColorMode(bayer.handle, camera::QueryCurrent), 11);
+}
+
+TEST(SimulatedImageMemories, AreGivenBackOnceAndByTheirOwnHandle)
+{
+    Bench bench;
+    OpenedCamera mono(*bench.sdk, 1);
+    const OpenedCamera bayer(*bench.sdk, 2);
+    char* memory = nullptr;
+    std::int32_t id = 0;
+    ASSERT_EQ(bench.sdk->allocImageMemory(mono.handle, 96, 64, 8, &memory, &id), 0);
+    EXPECT_EQ(bench.sdk->imageMemories(), 1);
+    EXPECT_EQ(bench.sdk->freeImageMemory(bayer.handle, memory, id), simulator::InvalidImageMemory);
+    EXPECT_EQ(bench.sdk->freeImageMemory(mono.handle, memory + 1, id),
+              simulator::InvalidImageMemory);
+    EXPECT_EQ(bench.sdk->freeImageMemory(99, memory, id), simulator::InvalidHandle);
+    EXPECT_EQ(bench.sdk->freeImageMemory(mono.handle, memory, id), 0);
+    EXPECT_EQ(bench.sdk->freeImageMemory(mono.handle, memory, id), simulator::InvalidImageMemory);
+    EXPECT_EQ(bench.sdk->imageMemories(), 0);
+}
+
+TEST(SimulatedImageMemories, OutliveTheOpening)
+{
+    Bench bench;
+    OpenedCamera mono(*bench.sdk);
+    char* memory = nullptr;
+    std::int32_t id = 0;
+    ASSERT_EQ(bench.sdk->allocImageMemory(mono.handle, 96, 64, 8, &memory, &id), 0);
+    mono.close();
+    memory[96 * 64 - 1] = 1;
+    EXPECT_EQ(bench.sdk->imageMemories(), 1);
+    EXPECT_EQ(bench.sdk->freeImageMemory(mono.handle, memory, id), 0);
+    EXPECT_EQ(bench.sdk->imageMemories(), 0);
+}
+
+TEST(SimulatedImageMemories, OfImpossibleSizesAreRefused)
+{
+    Bench bench;
+    const OpenedCamera mono(*bench.sdk);
+    char* memory = nullptr;
+    std::int32_t id = 0;
+    const auto allocate = [&](int width, int height, int bits) {
+        return bench.sdk->allocImageMemory(mono.handle, width, height, bits, &memory, &id);
+    };
+    EXPECT_EQ(allocate(0, 64, 8), simulator::InvalidParameter);
+    EXPECT_EQ(allocate(96, -1, 8), simulator::InvalidParameter);
+    EXPECT_EQ(allocate(96, 64, 7), simulator::InvalidParameter);
+    EXPECT_EQ(allocate(std::numeric_limits<int>::max(), std::numeric_limits<int>::max(), 32),
+              simulator::InvalidParameter);
+    EXPECT_EQ(memory, nullptr);
+    EXPECT_EQ(bench.sdk->imageMemories(), 0);
+}
+
+TEST(SimulatedImageMemories, MustHaveTheSensorsSizeToBeCapturedInto)
+{
+    Bench bench;
+    const OpenedCamera mono(*bench.sdk);
+    const auto add = [&](int width, int height, int bits) {
+        char* memory = nullptr;
+        std::int32_t id = 0;
+        EXPECT_EQ(bench.sdk->allocImageMemory(mono.handle, width, height, bits, &memory, &id), 0);
+        return bench.sdk->addToSequence(mono.handle, memory, id);
+    };
+    EXPECT_EQ(add(95, 64, 8), simulator::InvalidBufferSize);
+    EXPECT_EQ(add(96, 63, 8), simulator::InvalidBufferSize);
+    EXPECT_EQ(add(96, 64, 32), simulator::InvalidBufferSize);
+    EXPECT_EQ(add(96, 64, 8), 0);
+}
+
+TEST(SimulatedParameters, HaveTheirRangesDefaultsAndQueries)
+{
+    Bench bench;
+    const OpenedCamera mono(*bench.sdk);
+    const CameraSdk::Handle handle = mono.handle;
+    SimulatedCameraSdk& sdk = *bench.sdk;
+    std::int32_t least = 0;
+    std::int32_t most = 0;
+    ASSERT_EQ(sdk.getPixelClockRange(handle, &least, &most), 0);
+    EXPECT_EQ(least, 1);
+    EXPECT_EQ(most, 60);
+    EXPECT_EQ(sdk.setPixelClock(handle, camera::QueryCurrent), 2);
+    EXPECT_EQ(sdk.setPixelClock(handle, 4), 0);
+    EXPECT_EQ(sdk.setPixelClock(handle, camera::QueryCurrent), 4);
+    EXPECT_EQ(sdk.setPixelClock(handle, camera::QueryDefault), 2);
+    EXPECT_EQ(sdk.setPixelClock(handle, 61), simulator::InvalidParameter);
+    EXPECT_EQ(sdk.setPixelClock(handle, 0), simulator::InvalidParameter);
+
+    // A line of (96 + 400) / 4 MHz = 124 us; 64 + 26 lines are the shortest frame.
+    double minimum = 0;
+    double maximum = 0;
+    double step = 0;
+    ASSERT_EQ(sdk.getFrameTimeRange(handle, &minimum, &maximum, &step), 0);
+    EXPECT_DOUBLE_EQ(minimum, 90 * 124e-6);
+    EXPECT_DOUBLE_EQ(maximum, 16 * 90 * 124e-6);
+    EXPECT_DOUBLE_EQ(step, 124e-6);
+
+    double actual = 0;
+    ASSERT_EQ(sdk.setFrameRate(handle, 1000, &actual), 0);
+    EXPECT_NEAR(actual, 1 / (90 * 124e-6), 1e-9);
+    double rate = 0;
+    ASSERT_EQ(sdk.getFramesPerSecond(handle, &rate), 0);
+    EXPECT_DOUBLE_EQ(rate, actual);
+
+    ASSERT_EQ(sdk.getExposureRange(handle, &minimum, &maximum, &step), 0);
+    EXPECT_DOUBLE_EQ(maximum, 89 * 0.124);
+    ASSERT_EQ(sdk.setExposureTime(handle, 5.0, &actual), 0);
+    EXPECT_DOUBLE_EQ(actual, 40 * 0.124);
+    ASSERT_EQ(sdk.setExposureTime(handle, camera::QueryCurrentDouble, &actual), 0);
+    EXPECT_DOUBLE_EQ(actual, 40 * 0.124);
+    ASSERT_EQ(sdk.setExposureTime(handle, camera::QueryDefaultDouble, &actual), 0);
+    EXPECT_DOUBLE_EQ(actual, 89 * 0.124) << "40 ms do not fit into this frame";
+    ASSERT_EQ(sdk.setExposureTime(handle, camera::QueryCurrentDouble, &actual), 0);
+    EXPECT_DOUBLE_EQ(actual, 40 * 0.124) << "a query changes nothing";
+
+    for (const double nonsense : {0.0, -1.0, std::numeric_limits<double>::quiet_NaN(),
+                                  std::numeric_limits<double>::infinity()}) {
+        EXPECT_EQ(sdk.setFrameRate(handle, nonsense, &actual), simulator::InvalidParameter);
+    }
+    EXPECT_EQ(sdk.setExposureTime(handle, -1.0, &actual), simulator::InvalidParameter);
+}
+
+TEST(SimulatedParameters, GainsAreKeptSetOrRefusedTogether)
+{
+    Bench bench;
+    const OpenedCamera bayer(*bench.sdk, 2);
+    const CameraSdk::Handle handle = bayer.handle;
+    SimulatedCameraSdk& sdk = *bench.sdk;
+    EXPECT_EQ(sdk.setHardwareGain(handle, camera::QueryCurrent, -1, -1, -1), 0);
+    EXPECT_EQ(sdk.setHardwareGain(handle, 50, -1, -1, -1), 0);
+    EXPECT_EQ(sdk.setHardwareGain(handle, -1, 10, 20, 30), 0);
+    EXPECT_EQ(sdk.setHardwareGain(handle, camera::QueryCurrent, -1, -1, -1), 50);
+    EXPECT_EQ(sdk.setHardwareGain(handle, 60, 101, 0, 0), simulator::InvalidParameter);
+    EXPECT_EQ(sdk.setHardwareGain(handle, -2, -1, -1, -1), simulator::InvalidParameter);
+    EXPECT_EQ(sdk.setHardwareGain(handle, camera::QueryCurrent, -1, -1, -1), 50);
+}
+
+TEST(SimulatedParameters, AreTheDefaultsAgainAfterTheNextOpening)
+{
+    Bench bench;
+    {
+        const OpenedCamera mono(*bench.sdk);
+        double actual = 0;
+        bench.sdk->setPixelClock(mono.handle, 10);
+        bench.sdk->setHardwareGain(mono.handle, 50, -1, -1, -1);
+        bench.sdk->setExposureTime(mono.handle, 1.0, &actual);
+    }
+    const OpenedCamera mono(*bench.sdk);
+    double exposure = 0;
+    double standard = 0;
+    EXPECT_EQ(bench.sdk->setPixelClock(mono.handle, camera::QueryCurrent), 2);
+    EXPECT_EQ(bench.sdk->setHardwareGain(mono.handle, camera::QueryCurrent, -1, -1, -1), 0);
+    bench.sdk->setExposureTime(mono.handle, camera::QueryCurrentDouble, &exposure);
+    bench.sdk->setExposureTime(mono.handle, camera::QueryDefaultDouble, &standard);
+    EXPECT_DOUBLE_EQ(exposure, standard);
+}
+
+class ParameterFile : public ::testing::Test
+{
+protected:
+    std::int32_t load(const QByteArray& text)
+    {
+        QFile file(m_bench.folder.filePath(QStringLiteral("parameters%1.ini").arg(++m_files)));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+        file.close();
+        return m_bench.sdk->loadParameters(m_mono.handle,
+                                           QFile::encodeName(file.fileName()).constData());
+    }
+    int m_files = 0;
+    Bench m_bench;
+    OpenedCamera m_mono{*m_bench.sdk};
+};
+
+TEST_F(ParameterFile, ThatCannotBeOpenedIsReported)
+{
+    const QByteArray folder = QFile::encodeName(m_bench.folder.path());
+    EXPECT_EQ(m_bench.sdk->loadParameters(m_mono.handle, "/no/such/file"), camera::FileNotOpened);
+    EXPECT_EQ(m_bench.sdk->loadParameters(m_mono.handle, folder.constData()),
+              camera::FileNotOpened);
+}
+
+TEST_F(ParameterFile, SetsWhatItHolds)
+{
+    ASSERT_EQ(load("pixelClock=4\nframeRate=20\nexposure=5\nmasterGain=33\n"), 0);
+    double exposure = 0;
+    double rate = 0;
+    EXPECT_EQ(m_bench.sdk->setPixelClock(m_mono.handle, camera::QueryCurrent), 4);
+    EXPECT_EQ(m_bench.sdk->setHardwareGain(m_mono.handle, camera::QueryCurrent, -1, -1, -1), 33);
+    m_bench.sdk->setExposureTime(m_mono.handle, camera::QueryCurrentDouble, &exposure);
+    m_bench.sdk->getFramesPerSecond(m_mono.handle, &rate);
+    EXPECT_NEAR(exposure, 5.0, 0.124);
+    EXPECT_NEAR(rate, 20.0, 0.1);
+    EXPECT_EQ(load(""), 0) << "an empty file sets nothing";
+}
+
+TEST_F(ParameterFile, ThatHoldsAnythingWrongSetsNothing)
+{
+    for (const char* text :
+         {"pixelClock=4\nmasterGain=101\n", "pixelClock=1000\nmasterGain=9\n", "nonsense=1\n",
+          "masterGain=ten\n", "frameRate=0\n", "exposure=-1\n", "exposure=nan\n"}) {
+        EXPECT_EQ(load(text), simulator::InvalidParameterFile) << text;
+        EXPECT_EQ(m_bench.sdk->setPixelClock(m_mono.handle, camera::QueryCurrent), 2) << text;
+        EXPECT_EQ(m_bench.sdk->setHardwareGain(m_mono.handle, camera::QueryCurrent, -1, -1, -1), 0)
+            << text;
+    }
+}
+
+TEST(SimulatedControls, UnknownSerialNumbersDoNothing)
+{
+    Bench bench;
+    const QString nobody = QStringLiteral("nobody");
+    bench.sdk->setPlugged(nobody, false);
+    bench.sdk->setCovered(nobody, true);
+    bench.sdk->setDropFrames(nobody, true);
+    bench.sdk->setTemperature(nobody, 1);
+    bench.sdk->setHeldElsewhere(nobody, true);
+    EXPECT_FALSE(bench.sdk->isPlugged(nobody));
+    EXPECT_FALSE(bench.sdk->isCovered(nobody));
+    EXPECT_FALSE(bench.sdk->dropsFrames(nobody));
+    EXPECT_FALSE(bench.sdk->isHeldElsewhere(nobody));
+    EXPECT_EQ(bench.sdk->temperature(nobody), 0);
+    EXPECT_TRUE(bench.sdk->knownHotPixels(nobody).empty());
+    EXPECT_EQ(bench.sdk->darkMeanDn(nobody), 0);
+    EXPECT_TRUE(bench.sdk->eepromFileName(nobody).isEmpty());
+    EXPECT_TRUE(bench.sdk->modelOf(nobody).isEmpty());
+}
+
+TEST(SimulatedControls, KnowTheirCameras)
+{
+    Bench bench;
+    EXPECT_EQ(bench.sdk->serials(), (QStringList{QStringLiteral("M1"), QStringLiteral("B2")}));
+    EXPECT_EQ(bench.sdk->serialOf(2), QStringLiteral("B2"));
+    EXPECT_EQ(bench.sdk->serialOf(3), QString());
+    EXPECT_EQ(bench.sdk->modelOf(QStringLiteral("M1")), QStringLiteral("Small mono"));
+    EXPECT_EQ(bench.sdk->eepromFileName(QStringLiteral("M1")),
+              bench.bus.eepromFolder + QStringLiteral("/M1.eeprom"));
+}
+
+} // namespace

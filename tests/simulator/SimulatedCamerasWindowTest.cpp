@@ -1,0 +1,164 @@
+#include "simulator/SimulatedCamerasWindow.h"
+
+#include "camera/SdkExtras.h"
+#include "tests/simulator/SimulatedBench.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QDoubleSpinBox>
+#include <QLabel>
+#include <QTest>
+
+using bench::Bench;
+
+namespace {
+
+const QString Mono = QStringLiteral("M1");
+const QString Bayer = QStringLiteral("B2");
+
+class SimulatedCamerasWindowTest : public ::testing::Test
+{
+protected:
+    template <typename Widget>
+    Widget* find(const char* kind, const QString& serial)
+    {
+        auto* widget = m_window.findChild<Widget*>(QLatin1String(kind) + '_' + serial);
+        EXPECT_NE(widget, nullptr) << kind;
+        return widget;
+    }
+    void click(const char* kind, const QString& serial)
+    {
+        auto* box = find<QCheckBox>(kind, serial);
+        QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
+    }
+
+    Bench m_bench;
+    SimulatedCamerasWindow m_window{*m_bench.sdk};
+};
+
+TEST_F(SimulatedCamerasWindowTest, StartsWithThePluggedUncoveredCameras)
+{
+    EXPECT_EQ(m_window.windowTitle(), QStringLiteral("Simulated cameras"));
+    for (const QString& serial : {Mono, Bayer}) {
+        EXPECT_TRUE(find<QCheckBox>("plugged", serial)->isChecked());
+        EXPECT_FALSE(find<QCheckBox>("cover", serial)->isChecked());
+        EXPECT_FALSE(find<QCheckBox>("drop", serial)->isChecked());
+        EXPECT_FALSE(find<QCheckBox>("held", serial)->isChecked());
+        EXPECT_EQ(find<QDoubleSpinBox>("temperature", serial)->value(), 25.0);
+    }
+}
+
+TEST_F(SimulatedCamerasWindowTest, ItsBoxesActOnTheirCamera)
+{
+    m_window.show();
+    click("plugged", Mono);
+    click("cover", Bayer);
+    click("drop", Mono);
+    click("held", Bayer);
+    EXPECT_FALSE(m_bench.sdk->isPlugged(Mono));
+    EXPECT_TRUE(m_bench.sdk->isPlugged(Bayer));
+    EXPECT_TRUE(m_bench.sdk->isCovered(Bayer));
+    EXPECT_FALSE(m_bench.sdk->isCovered(Mono));
+    EXPECT_TRUE(m_bench.sdk->dropsFrames(Mono));
+    EXPECT_TRUE(m_bench.sdk->isHeldElsewhere(Bayer));
+    click("plugged", Mono);
+    EXPECT_TRUE(m_bench.sdk->isPlugged(Mono));
+}
+
+TEST_F(SimulatedCamerasWindowTest, TheTemperatureIsTyped)
+{
+    m_window.show();
+    auto* temperature = find<QDoubleSpinBox>("temperature", Mono);
+    temperature->setFocus();
+    temperature->selectAll();
+    QTest::keyClicks(temperature, QStringLiteral("41.5"));
+    QTest::keyClick(temperature, Qt::Key_Return);
+    EXPECT_EQ(m_bench.sdk->temperature(Mono), 41.5);
+    EXPECT_EQ(m_bench.sdk->temperature(Bayer), 25.0);
+}
+
+TEST_F(SimulatedCamerasWindowTest, EveryControlIsReachedByTheTabKey)
+{
+    m_window.show();
+    for (const QString& serial : {Mono, Bayer}) {
+        for (const char* kind : {"plugged", "cover", "drop", "held"}) {
+            EXPECT_NE(find<QCheckBox>(kind, serial)->focusPolicy() & Qt::TabFocus, 0);
+        }
+    }
+    auto* cover = find<QCheckBox>("cover", Mono);
+    cover->setFocus();
+    QTest::keyClick(cover, Qt::Key_Space);
+    EXPECT_TRUE(m_bench.sdk->isCovered(Mono));
+}
+
+TEST_F(SimulatedCamerasWindowTest, FollowsWhatHappensElsewhere)
+{
+    m_window.show();
+    m_bench.sdk->setCovered(Mono, true);
+    m_bench.sdk->setPlugged(Bayer, false);
+    m_bench.sdk->setTemperature(Bayer, 30);
+    EXPECT_TRUE(QTest::qWaitFor(
+        [this] {
+            return find<QCheckBox>("cover", Mono)->isChecked() &&
+                   !find<QCheckBox>("plugged", Bayer)->isChecked() &&
+                   find<QDoubleSpinBox>("temperature", Bayer)->value() == 30.0;
+        },
+        bench::GenerousMsec));
+}
+
+TEST_F(SimulatedCamerasWindowTest, SaysWhereTheEepromFilesAre)
+{
+    auto* where = m_window.findChild<QLabel*>(QStringLiteral("eepromFolder"));
+    ASSERT_NE(where, nullptr);
+    EXPECT_TRUE(where->text().contains(m_bench.bus.eepromFolder));
+    EXPECT_NE(where->textInteractionFlags() & Qt::TextSelectableByMouse, 0);
+}
+
+TEST_F(SimulatedCamerasWindowTest, DoesNotKeepTheProgramRunning)
+{
+    EXPECT_FALSE(m_window.testAttribute(Qt::WA_QuitOnClose));
+}
+
+TEST_F(SimulatedCamerasWindowTest, MayBeClosedWhileTheProgramGoesOn)
+{
+    m_window.show();
+    m_window.close();
+    EXPECT_FALSE(m_window.isVisible());
+    EXPECT_FALSE(QCoreApplication::closingDown());
+}
+
+TEST(SdkWindow, IsShownForSimulatedCamerasOnly)
+{
+    Bench bench;
+    const std::unique_ptr<QObject> window = createSdkWindow(*bench.sdk);
+    auto* widget = dynamic_cast<SimulatedCamerasWindow*>(window.get());
+    ASSERT_NE(widget, nullptr);
+    EXPECT_TRUE(widget->isVisible());
+}
+
+TEST(SdkWindow, AMistakeInTheSettingsFileIsShown)
+{
+    BusDescription bus = simulator::builtInBus();
+    bus.message = QStringLiteral("cameras.ini: wrong");
+    SimulatedCameraSdk sdk(bus);
+    const SimulatedCamerasWindow window(sdk);
+    auto* message = window.findChild<QLabel*>(QStringLiteral("message"));
+    ASSERT_NE(message, nullptr);
+    EXPECT_EQ(message->text(), bus.message);
+}
+
+TEST(SdkSwitches, PutTheLensCapOn)
+{
+    Bench bench;
+    const std::vector<SdkSwitch> switches = sdkSwitches();
+    ASSERT_EQ(switches.size(), 1U);
+    EXPECT_EQ(switches[0].name, QStringLiteral("cover"));
+    EXPECT_FALSE(switches[0].description.isEmpty());
+    switches[0].apply(*bench.sdk, 2);
+    EXPECT_TRUE(bench.sdk->isCovered(Bayer));
+    EXPECT_FALSE(bench.sdk->isCovered(Mono));
+    switches[0].apply(*bench.sdk, 99);
+    EXPECT_FALSE(bench.sdk->isCovered(Mono));
+}
+
+} // namespace
