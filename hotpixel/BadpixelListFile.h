@@ -7,6 +7,8 @@
 #include <span>
 #include <vector>
 
+class QIODevice;
+
 /// The text file of a hotpixel list: one entry per line, x, y and class in decimal.
 namespace hotpixel {
 
@@ -22,19 +24,23 @@ namespace hotpixel {
 /// @throws std::runtime_error "Can't write file." when the disk is full or fails.
 void writeListFile(const QString& filename, std::span<const BadpixelEntry> entries);
 
-/// Reads the entries of a list file; each line gives one, whatever is in it.
+/// Reads the entries of a list; each line gives one, whatever is in it.
 ///
 /// A line is read as QTextStream reads three unsigned integers from it: white space separates them
 /// and may be missing where a character can't continue a number; a prefix 0x, 0b or 0 chooses the
 /// base; a sign is taken; a number that overflows wraps around; where no number begins, this field
 /// and all that follow are 0; the rest of the line is ignored. The entry takes the low 16, 16 and 8
 /// bits. A byte order mark tells UTF-16 and UTF-32; all else is UTF-8. Carriage returns are
-/// ignored. A last line needs no line end. A file with content but no line is one empty line.
+/// ignored. A last line needs no line end. Content that has no characters is one empty line.
 ///
-/// Takes memory for the entries only, however long the lines are.
+/// Takes memory for the entries only, however long the lines are. An error of @p device, which must
+/// be open for reading and not in text mode, ends the list.
+std::vector<BadpixelEntry> readList(QIODevice& device);
+
+/// Reads a list file with readList().
 ///
 /// @throws std::runtime_error "Can't open file for reading." when @p filename is missing,
-///         unreadable, or no regular file. An error while reading ends the file.
+///         unreadable, or no regular file.
 std::vector<BadpixelEntry> readListFile(const QString& filename);
 
 } // namespace hotpixel

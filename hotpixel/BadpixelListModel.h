@@ -127,7 +127,6 @@ public slots:
     /// the list is empty. Entries with equal values end in the order that this algorithm leaves.
     /// @throws std::runtime_error "Sort Error" for a column or order that does not exist, once
     ///         there are two entries to compare.
-    // NOLINTNEXTLINE(google-default-arguments): a default would add a second method for moc.
     void sort(int column, Qt::SortOrder order) override;
 
 private:
