@@ -12,6 +12,7 @@
 #include <span>
 
 class Camera;
+Q_MOC_INCLUDE("camera/Camera.h")
 
 /// The one hotpixel list of the program, as a table of three columns: x, y and class.
 ///

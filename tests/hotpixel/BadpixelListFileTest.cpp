@@ -334,7 +334,7 @@ TEST_F(ListFile, IsReadAsTheTextStreamReadsItForRandomText)
     std::mt19937 random(20261120); // NOLINT(bugprone-random-generator-seed): repeatable
     std::uniform_int_distribution<std::size_t> piece(0, pieces.size() - 1);
     std::uniform_int_distribution<int> length(0, 60);
-    for (int round = 0; round < 5000; ++round) {
+    for (int round = 0; round < 2000; ++round) {
         QByteArray content;
         for (int count = length(random); count > 0; --count) {
             content += pieces[piece(random)];

@@ -665,6 +665,15 @@ TEST_F(HotpixelList, SortsASingleEntryByAnyColumn)
     EXPECT_EQ(takeAnnouncements(), QStringList{"layout changed"});
 }
 
+TEST_F(HotpixelList, LeavesEqualEntriesInTheOrderOfItsSortingAlgorithm)
+{
+    // By hand, for five equal keys: the middle one goes to the end as the pivot (0 1 4 3 2), low
+    // and high swap 0 with 3 and 1 with 4 (3 4 1 0 2), and the pivot goes back to low (3 4 2 0 1).
+    load({{5, 0, 1}, {5, 1, 1}, {5, 2, 1}, {5, 3, 1}, {5, 4, 1}});
+    m_model.sort(0, Qt::AscendingOrder);
+    EXPECT_EQ(entries(), (Entries{{5, 3, 1}, {5, 4, 1}, {5, 2, 1}, {5, 0, 1}, {5, 1, 1}}));
+}
+
 TEST_F(HotpixelList, LoadsBehindTheFactoryAndIgnoredEntries)
 {
     load({{1, 1, 0}, {2, 2, 1}, {3, 3, 2}});
