@@ -93,7 +93,7 @@ std::vector<BadpixelEntry> readList(QIODevice& device)
 {
     BadpixelLineReader reader;
     QStringDecoder decoder(QStringDecoder::Utf8);
-    QByteArray bytes(64 * 1024, Qt::Uninitialized);
+    QByteArray bytes(0x10000, Qt::Uninitialized);
     bool begun = false;
     for (qint64 size = 0; (size = device.read(bytes.data(), bytes.size())) > 0;) {
         const QByteArrayView chunk(bytes.constData(), size);
