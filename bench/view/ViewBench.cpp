@@ -96,7 +96,7 @@ void redraw(benchmark::State& state, QImage::Format format, double scale, Refere
 
     std::vector<double> redrawSeconds;
     std::vector<double> referenceSeconds;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         referenceSeconds.push_back(
             secondsOf([&] { benchmark::DoNotOptimize(reference(frame, model).constBits()); }));
         redrawSeconds.push_back(secondsOf([&] { display.redrawImage(); }));
@@ -130,7 +130,7 @@ void magnifierMoves(benchmark::State& state)
     magnifier.setZoom(static_cast<int>(state.range(0)));
     magnifier.setImage(frame);
     int step = 0;
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         magnifier.setPosition({1000 + ++step % 500, 900});
     }
 }
@@ -140,7 +140,7 @@ void magnifierGetsAFrame(benchmark::State& state)
     QImage frame = noiseFrame(QImage::Format_Indexed8);
     Magnifier magnifier;
     magnifier.resize(320, 240);
-    for (auto _ : state) {
+    while (state.KeepRunning()) {
         magnifier.setImage(frame);
     }
 }

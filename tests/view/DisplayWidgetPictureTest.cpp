@@ -137,8 +137,8 @@ TEST_F(DisplayWidgetMarks, CircleIsSmoothed)
     }
     const int above = tintAt(picture, 30, 15).green;
     const int below = tintAt(picture, 30, 16).green;
-    EXPECT_NEAR(above, (255 - Background) / 2, 16);
-    EXPECT_NEAR(below, (255 - Background) / 2, 16);
+    EXPECT_NEAR(above, 77, 16) << "half of what is left to 255";
+    EXPECT_NEAR(below, 77, 16);
 }
 
 TEST_F(DisplayWidgetMarks, EveryRowOfTheListIsMarkedAlsoAtTheEdges)

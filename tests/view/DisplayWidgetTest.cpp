@@ -130,7 +130,7 @@ TEST(DisplayWidgetImage, LeavesTheCallersImageUnmarked)
 TEST(DisplayWidgetImage, PictureDoesNotChangeWithTheCamerasMemory)
 {
     for (const QImage::Format format : {QImage::Format_RGB32, QImage::Format_Indexed8}) {
-        std::vector<QRgb> memory(40 * 30, 0xff808080);
+        std::vector<QRgb> memory(1200, 0xff808080);
         QImage frame(reinterpret_cast<uchar*>(memory.data()), 40, 30, format);
         DisplayWidget display;
         display.setImage(frame);
@@ -141,7 +141,7 @@ TEST(DisplayWidgetImage, PictureDoesNotChangeWithTheCamerasMemory)
 
 TEST(DisplayWidgetImage, MemoryMayGoAfterANullImage)
 {
-    auto memory = std::make_unique<std::vector<QRgb>>(40 * 30, 0xff808080);
+    auto memory = std::make_unique<std::vector<QRgb>>(1200, 0xff808080);
     QImage frame(reinterpret_cast<uchar*>(memory->data()), 40, 30, QImage::Format_RGB32);
     DisplayWidget display;
     display.resize(100, 100);

@@ -44,7 +44,7 @@ TEST_F(MagnifierPicture, NullImageClearsIt)
 
 TEST_F(MagnifierPicture, MemoryMayGoAfterANullImage)
 {
-    auto memory = std::make_unique<std::vector<QRgb>>(40 * 30, 0xff808080);
+    auto memory = std::make_unique<std::vector<QRgb>>(1200, 0xff808080);
     QImage frame(reinterpret_cast<uchar*>(memory->data()), 40, 30, QImage::Format_RGB32);
     magnifier.setImage(frame);
     QImage none;
@@ -128,7 +128,9 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_P(MagnifierOverlay, IsABoxWithFourTicksOverTheEnlargedPixels)
 {
-    const auto [size, zoom, centre, box] = GetParam();
+    const int zoom = GetParam().zoom;
+    const QPoint centre = GetParam().centre;
+    const QRect box = GetParam().box;
     const auto isMarked = [&](int x, int y) {
         const bool inBox = box.contains(x, y);
         const bool onOutline =
@@ -139,7 +141,7 @@ TEST_P(MagnifierOverlay, IsABoxWithFourTicksOverTheEnlargedPixels)
     };
 
     const QPoint focus(30, 25);
-    magnifier.resize(size);
+    magnifier.resize(GetParam().magnifier);
     magnifier.setZoom(zoom);
     magnifier.setPosition(focus);
     QImage image = viewtest::patternImage(60, 50);
