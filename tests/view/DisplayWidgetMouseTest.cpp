@@ -78,9 +78,9 @@ TEST_F(DisplayWidgetMouse, ClickIsDividedByTheScaleAndCut)
 TEST_F(DisplayWidgetMouse, ClickOnTheLabelAndOnTheFrameMeanTheSamePlace)
 {
     setScale(4.0);
-    QTest::mousePress(labelOf(display), Qt::LeftButton, {}, {41, 17});
+    QTest::mousePress(labelOf(display), Qt::LeftButton, {}, {43, 19});
     EXPECT_EQ(onlyClick(), QPoint(10, 4));
-    QTest::mousePress(&display, Qt::LeftButton, {}, display.viewport()->pos() + QPoint(41, 17));
+    QTest::mousePress(&display, Qt::LeftButton, {}, display.viewport()->pos() + QPoint(43, 19));
     EXPECT_EQ(onlyClick(), QPoint(10, 4));
 }
 
@@ -239,6 +239,15 @@ TEST_F(DisplayWidgetMouse, RightDragStartsAtEachPress)
     press(Qt::RightButton, Qt::RightButton, {20, 20});
     move(Qt::RightButton, {10, 20});
     EXPECT_EQ(display.horizontalScrollBar()->value(), 40);
+}
+
+TEST_F(DisplayWidgetMouse, RightDragCountsWholeLogicalPixels)
+{
+    setScale(4.0);
+    press(Qt::RightButton, Qt::RightButton, {100, 100});
+    move(Qt::RightButton, {70.5, 90.5});
+    EXPECT_EQ(display.horizontalScrollBar()->value(), 30);
+    EXPECT_EQ(display.verticalScrollBar()->value(), 10);
 }
 
 TEST_F(DisplayWidgetMouse, MovesWithOtherButtonsDoNothing)
