@@ -1,0 +1,18 @@
+#include "app/MainWindow.h"
+#include "camera/CameraSdk.h"
+#include "camera/SdkExtras.h"
+
+#include <QApplication>
+
+#include <memory>
+
+/// The editor. No arguments are interpreted but Qt's own.
+int main(int argc, char** argv)
+{
+    const QApplication application(argc, argv);
+    const std::unique_ptr<CameraSdk> sdk = createCameraSdk();
+    MainWindow window(*sdk);
+    window.show();
+    const std::unique_ptr<QObject> sdkWindow = createSdkWindow(*sdk);
+    return QApplication::exec();
+}
