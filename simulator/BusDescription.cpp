@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <set>
 #include <stdexcept>
 #include <utility>
@@ -45,12 +46,12 @@ public:
         }
     }
 
-    /// The text behind @p key, @p otherwise when there is none.
-    QString text(const char* key, const QString& otherwise)
+    /// The text behind @p key, nothing when the key is not there.
+    std::optional<QString> text(const char* key)
     {
         const QString name = QLatin1String(key);
         if (m_unasked.erase(name) == 0) {
-            return otherwise;
+            return std::nullopt;
         }
         // A value with commas is a list to QSettings, and here it is just a text.
         return m_file.value(m_name + '/' + name).toStringList().join(QStringLiteral(", "));
@@ -58,18 +59,18 @@ public:
 
     void number(const char* key, double least, double most, double& value)
     {
-        const QString given = text(key, {});
-        if (given.isNull()) {
+        const std::optional<QString> given = text(key);
+        if (!given) {
             return;
         }
         bool isNumber = false;
-        const double read = given.toDouble(&isNumber);
+        const double read = given->toDouble(&isNumber);
         if (!isNumber || !(read >= least && read <= most)) {
             refuse(translated("[%1] %2 must be a number from %3 to %4, not \"%5\"")
                        .arg(m_name, QLatin1String(key))
                        .arg(least)
                        .arg(most)
-                       .arg(shortened(given)));
+                       .arg(shortened(*given)));
         }
         value = read;
     }
@@ -77,18 +78,18 @@ public:
     template <typename Integer>
     void whole(const char* key, qint64 least, qint64 most, Integer& value)
     {
-        const QString given = text(key, {});
-        if (given.isNull()) {
+        const std::optional<QString> given = text(key);
+        if (!given) {
             return;
         }
         bool isNumber = false;
-        const qint64 read = given.toLongLong(&isNumber);
+        const qint64 read = given->toLongLong(&isNumber);
         if (!isNumber || read < least || read > most) {
             refuse(translated("[%1] %2 must be a whole number from %3 to %4, not \"%5\"")
                        .arg(m_name, QLatin1String(key))
                        .arg(least)
                        .arg(most)
-                       .arg(shortened(given)));
+                       .arg(shortened(*given)));
         }
         value = static_cast<Integer>(read);
     }
@@ -96,7 +97,7 @@ public:
     /// The index in @p words of the text behind @p key, @p otherwise when there is none.
     qsizetype oneOf(const char* key, const QStringList& words, qsizetype otherwise)
     {
-        const QString given = text(key, words[otherwise]);
+        const QString given = text(key).value_or(words[otherwise]);
         const qsizetype index = words.indexOf(given);
         if (index < 0) {
             refuse(translated("[%1] %2 must be %3, not \"%4\"")
@@ -115,7 +116,7 @@ public:
     template <typename Predicate>
     void name(const char* key, Predicate isAllowed, QString& value)
     {
-        value = text(key, value);
+        value = text(key).value_or(value);
         if (value.isEmpty() || value.size() > 15 ||
             !std::all_of(value.begin(), value.end(), isAllowed)) {
             refuse(translated("[%1] %2 must have 1 to 15 plain characters, not \"%3\"")
@@ -199,7 +200,7 @@ CameraDescription readCamera(Group group, std::uint32_t number, const QDir& fold
     group.number("temperature", -50, 100, camera.temperature);
 
     group.whole("userCapacity", 0, 65535, camera.userCapacity);
-    camera.recordedFrames = group.text("recordedFrames", {});
+    camera.recordedFrames = group.text("recordedFrames").value_or(QString());
     if (!camera.recordedFrames.isEmpty()) {
         camera.recordedFrames = QDir::cleanPath(folder.absoluteFilePath(camera.recordedFrames));
         camera.hotPixels = camera.factoryEntries = camera.userEntries = 0;

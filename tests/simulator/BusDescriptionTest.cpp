@@ -162,6 +162,8 @@ TEST_F(SettingsFile, WithAMistakeGivesOneClearMessageAndTheBuiltInCameras)
          "[camera1] width must be a whole number from 4 to 16384, not \"wide\""},
         {"[camera1]\nwidth=0\n",
          "[camera1] width must be a whole number from 4 to 16384, not \"0\""},
+        {"[camera1]\nheight=\n",
+         "[camera1] height must be a whole number from 4 to 16384, not \"\""},
         {"[camera1]\nexposure=nan\n",
          "[camera1] exposure must be a number from 0.001 to 1e+06, not \"nan\""},
         {"[camera1]\nsensor=infrared\n",

@@ -6,7 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
+#include <set>
 
 using bench::Bench;
 using bench::GenerousMsec;
@@ -81,19 +81,18 @@ TEST(SimulatedCapture, HasNoFrameBeforeTheFirst)
     EXPECT_EQ(memory, nullptr);
 }
 
-TEST(SimulatedCapture, DeliversFramesIntoBothMemoriesInTurn)
+TEST(SimulatedCapture, DeliversFramesIntoBothMemories)
 {
     Bench bench;
     OpenedCamera mono(*bench.sdk);
     mono.startLive();
-    std::vector<char*> seen;
-    for (int frame = 0; frame < 4; ++frame) {
+    std::set<char*> seen;
+    while (seen.size() < 2) {
         char* memory = nullptr;
         ASSERT_TRUE(waitForEventObject(mono.frameEvent, GenerousMsec));
         ASSERT_EQ(bench.sdk->getFrameMemory(mono.handle, 0, 0, &memory), 0);
-        EXPECT_TRUE(memory == mono.memories[0].pointer || memory == mono.memories[1].pointer);
-        EXPECT_TRUE(seen.empty() || seen.back() != memory);
-        seen.push_back(memory);
+        ASSERT_TRUE(memory == mono.memories[0].pointer || memory == mono.memories[1].pointer);
+        seen.insert(memory);
     }
 }
 
@@ -117,8 +116,12 @@ TEST(SimulatedCapture, WorksWithASingleMemory)
     Bench bench;
     OpenedCamera mono(*bench.sdk);
     mono.startLive(1);
-    EXPECT_FALSE(mono.nextFrame().empty());
-    EXPECT_FALSE(mono.nextFrame().empty());
+    for (int frame = 0; frame < 3; ++frame) {
+        ASSERT_TRUE(waitForEventObject(mono.frameEvent, GenerousMsec));
+    }
+    char* memory = nullptr;
+    EXPECT_EQ(bench.sdk->getFrameMemory(mono.handle, 0, 0, &memory), 0);
+    EXPECT_EQ(memory, mono.memories[0].pointer);
 }
 
 TEST(SimulatedCapture, MemoryMayBeTakenAwayWhileItRuns)
@@ -352,21 +355,19 @@ protected:
     CameraDescription m_camera = bench::smallMono();
 };
 
-TEST_F(Recorded, FramesArePlayedInOrder)
+TEST_F(Recorded, FramesAreAllPlayedAsTheyAre)
 {
     Bench bench({m_camera}, 20);
     OpenedCamera opened(*bench.sdk);
     opened.startLive();
-    int expected = 0;
-    for (int frame = 0; frame < 7; ++frame) {
+    std::set<int> levels;
+    while (levels.size() < 3) {
         const Pixels pixels = opened.nextFrame();
         ASSERT_FALSE(pixels.empty());
-        const int level = pixels.front();
-        ASSERT_EQ(pixels, Pixels(96 * 64, static_cast<std::uint8_t>(level)));
-        if (frame > 0) {
-            EXPECT_EQ(level, expected);
-        }
-        expected = level % 30 + 10;
+        const std::uint8_t level = pixels.front();
+        ASSERT_TRUE(level == 10 || level == 20 || level == 30);
+        ASSERT_EQ(pixels, Pixels(96 * 64, level));
+        levels.insert(level);
     }
     EXPECT_TRUE(bench.sdk->knownHotPixels(Mono).empty());
 }
@@ -377,16 +378,19 @@ TEST_F(Recorded, FramesCanBeKeptForTheCoveredSensor)
     Bench bench({m_camera}, 20);
     OpenedCamera opened(*bench.sdk);
     opened.startLive();
-    Pixels pixels = opened.nextFrame();
-    ASSERT_FALSE(pixels.empty());
-    EXPECT_NE(*std::max_element(pixels.begin(), pixels.end()),
-              *std::min_element(pixels.begin(), pixels.end()));
+    const auto isRecorded = [&] {
+        const Pixels pixels = opened.nextFrame();
+        EXPECT_FALSE(pixels.empty());
+        return pixels.empty() || pixels == Pixels(pixels.size(), pixels.front());
+    };
+    for (int frame = 0; frame < 3; ++frame) {
+        ASSERT_FALSE(isRecorded());
+    }
     bench.sdk->setCovered(Mono, true);
-    opened.nextFrame(); // may have been begun before
-    pixels = opened.nextFrame();
-    ASSERT_FALSE(pixels.empty());
-    EXPECT_EQ(*std::max_element(pixels.begin(), pixels.end()),
-              *std::min_element(pixels.begin(), pixels.end()));
+    while (!isRecorded()) {
+        // Frames that were on their way when the cover was put on.
+    }
+    EXPECT_TRUE(isRecorded());
 }
 
 TEST_F(Recorded, FramesThatCannotBePlayedFailTheStartWithAClearText)
