@@ -1,6 +1,5 @@
-#include "camera/EventThread.h"
-
 #include "binding/Recorder.h"
+#include "camera/EventThread.h"
 #include "camera/OrdinalCameraSdk.h"
 
 #include <QCoreApplication>

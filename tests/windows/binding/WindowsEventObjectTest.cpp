@@ -1,6 +1,5 @@
-#include "camera/EventObject.h"
-
 #include "Recorder.h"
+#include "camera/EventObject.h"
 
 #include <gtest/gtest.h>
 
