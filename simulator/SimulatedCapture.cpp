@@ -59,8 +59,12 @@ std::int32_t SimulatedCamera::prepareSources()
 
 std::int32_t SimulatedCamera::startLive()
 {
-    if (isLive() || m_capturing) {
-        return simulator::CaptureRunning;
+    if (isLive()) {
+        // The editor starts capture again right after opening, which has started it already.
+        return simulator::Success;
+    }
+    if (m_capturing) {
+        return simulator::CaptureRunning; // another thread is stopping it
     }
     if (ring.isEmpty()) {
         return simulator::SequenceEmpty;
