@@ -1,0 +1,167 @@
+#include "tests/camera/CameraFixture.h"
+
+#include <QTest>
+
+#include <atomic>
+#include <thread>
+
+namespace {
+
+constexpr int LongMsec = 60'000;
+
+// A camera with its event threads running.
+class CameraThreads : public CameraFixture
+{
+protected:
+    void SetUp() override
+    {
+        sdk.threads = true;
+        makeCamera();
+    }
+
+    bool noted(const char* line)
+    {
+        return QTest::qWaitFor(
+            [&] {
+                m_calls += sdk.takeCalls();
+                return m_calls.contains(QString::fromLatin1(line));
+            },
+            LongMsec);
+    }
+
+    // Runs an action while all events are signalled again and again, so that no thread can miss
+    // its 500 ms by having begun to wait just before it was told to stop.
+    template <typename Action>
+    QStringList callsWhilePulsing(Action action)
+    {
+        sdk.takeCalls();
+        std::atomic<bool> done = false;
+        const EventHandle never = createEventObject();
+        std::thread pulse([&] {
+            while (!done) {
+                for (const int id : {2, 8, 9, 128, 129, 130}) {
+                    signalEventObject(sdk.event(id));
+                }
+                waitForEventObject(never, 5);
+            }
+        });
+        action();
+        done = true;
+        pulse.join();
+        return sdk.takeCalls();
+    }
+
+private:
+    QStringList m_calls;
+};
+
+TEST_F(CameraThreads, BringEachEventToTheCamera)
+{
+    signalEventObject(sdk.event(130));
+    EXPECT_TRUE(noted("-> cameraNewDevice"));
+    signalEventObject(sdk.event(129));
+    EXPECT_TRUE(noted("-> cameraRemovedDevice"));
+
+    camera->open(5);
+    signalEventObject(sdk.event(2));
+    EXPECT_TRUE(noted("-> newImage"));
+    EXPECT_EQ(camera->frameCount(), 1);
+    signalEventObject(sdk.event(9));
+    EXPECT_TRUE(noted("-> cameraReconnect"));
+    signalEventObject(sdk.event(128));
+    EXPECT_TRUE(noted("-> cameraRemoved"));
+    signalEventObject(sdk.event(8));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return camera->failedCount() == 1; }, LongMsec));
+}
+
+TEST_F(CameraThreads, OfTheOpenCameraEndAtItsClosingButForEventEight)
+{
+    camera->open(5);
+    const QStringList calls = callsWhilePulsing([this] { camera->close(); });
+    const qsizetype stopped = calls.indexOf(QStringLiteral("stopLiveVideo(7, 1)"));
+    for (const int id : {2, 9, 128}) {
+        const qsizetype disabled = calls.indexOf(QStringLiteral("disableEvent(7, %1)").arg(id));
+        const qsizetype exited = calls.indexOf(QStringLiteral("exitEvent(7, %1)").arg(id));
+        EXPECT_GE(disabled, 0) << id;
+        EXPECT_GT(exited, disabled) << id;
+        EXPECT_GT(stopped, exited) << id;
+    }
+    for (const char* call :
+         {"disableEvent(7, 8)", "disableEvent(0, 129)", "disableEvent(0, 130)"}) {
+        EXPECT_FALSE(calls.contains(QString::fromLatin1(call))) << call;
+    }
+}
+
+TEST_F(CameraThreads, OfEventEightGoOnAtTheirFirstEventObjectAfterReopening)
+{
+    camera->open(5);
+    const EventHandle first = sdk.event(8);
+    signalEventObject(first);
+    ASSERT_TRUE(QTest::qWaitFor([this] { return camera->failedCount() == 1; }, LongMsec));
+    callsWhilePulsing([this] { camera->close(); });
+    camera->open(5);
+    EXPECT_NE(sdk.event(8), first) << "a new one is bound";
+    QCoreApplication::processEvents(); // what the pulses left
+    const int before = camera->failedCount();
+    signalEventObject(first);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return camera->failedCount() == before + 1; }, LongMsec));
+}
+
+TEST_F(CameraThreads, EndWithTheCameraAndEventEightIsTerminated)
+{
+    camera->open(5);
+    const QStringList calls = callsWhilePulsing([this] { camera.reset(); });
+    EXPECT_EQ(calls.mid(0, 5), lines("stopLiveVideo(7, 16384)\n"
+                                     "exitCamera(7)\n"
+                                     "freeImageMemory(7, memory1, 10)\n"
+                                     "freeImageMemory(7, memory2, 20)\n"
+                                     "clearSequence(7)\n"));
+    for (const char* call : {"exitEvent(7, 2)", "exitEvent(7, 9)", "exitEvent(0, 130)",
+                             "exitEvent(0, 129)", "exitEvent(7, 128)"}) {
+        EXPECT_TRUE(calls.contains(QString::fromLatin1(call))) << call;
+    }
+    EXPECT_FALSE(calls.contains(QStringLiteral("disableEvent(7, 8)")));
+}
+
+TEST_F(CameraThreads, OfFramesAndReconnectionMayHangInTheSdkAtTheClosing)
+{
+    camera->open(5);
+    const EventHandle never = createEventObject();
+    const EventHandle goOn = createEventObject();
+    const EventHandle goOnToo = createEventObject();
+    sdk.onDisableEvent = [goOn, goOnToo](int id) {
+        if (id == 2) {
+            waitForEventObject(goOn, LongMsec);
+        } else if (id == 9) {
+            waitForEventObject(goOnToo, LongMsec);
+        }
+    };
+    const QStringList calls = callsWhilePulsing([this] { camera->close(); });
+    EXPECT_TRUE(calls.contains(QStringLiteral("-> cameraClosed"))) << "nobody waits for ever";
+
+    // Longer than the camera waits for its threads, so that they still run as they are destroyed;
+    // were it shorter, the test would only test less.
+    std::thread release([&] {
+        waitForEventObject(never, 2000);
+        signalEventObject(goOn);
+        signalEventObject(goOnToo);
+    });
+    const QStringList last = callsWhilePulsing([this] { camera.reset(); });
+    release.join();
+    // Neither was terminated inside the SDK.
+    EXPECT_TRUE(last.contains(QStringLiteral("exitEvent(7, 2)")));
+    EXPECT_TRUE(last.contains(QStringLiteral("exitEvent(7, 9)")));
+}
+
+TEST_F(CameraThreads, SurviveManyOpeningsAndClosings)
+{
+    callsWhilePulsing([this] {
+        for (int round = 0; round < 3; ++round) {
+            camera->open(5);
+            camera->close();
+        }
+    });
+    EXPECT_FALSE(camera->isOpen());
+}
+
+} // namespace
