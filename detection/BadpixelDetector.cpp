@@ -1,18 +1,94 @@
 #include "detection/BadpixelDetector.h"
 
 #include <QImage>
+#include <QSize>
 
+#include <algorithm>
 #include <cstdlib>
+#include <span>
+#include <type_traits>
+#include <vector>
 
 namespace {
 
-/// Bytes that a walk with @p pattern needs for the elements of a matrix of the image's size.
-bool holdsTheWalk(const QImage& image)
+/// Up to so many bytes have a sum of 16 bits.
+constexpr qsizetype MaxFramesOf16BitSums = 257;
+
+/// Calls @p visitor for each element of @p run and every @p step-th byte from @p pixel on.
+template <typename Sum, typename Visitor, typename Step>
+void visitRun(std::span<Sum> run, const uchar* pixel, Step step, Visitor visitor)
 {
-    return image.sizeInBytes() >= qsizetype{image.width()} * image.height();
+    for (Sum& element : run) {
+        visitor(element, pixel);
+        pixel += step;
+    }
 }
 
 } // namespace
+
+/// The average of one plane, line by line of its walk. All passes are done over one line, while it
+/// is in the cache, before the next line.
+class BadpixelDetector::PlaneAverage
+{
+public:
+    PlaneAverage(FrameMatrix& means, const QVector<QImage>& frames, const SamplingPattern& pattern)
+        : m_means(means)
+        , m_frames(frames)
+        , m_walk(&frames.first(), &pattern, &m_copy)
+        , m_divide(static_cast<unsigned>(frames.size()))
+    {}
+    PlaneAverage(const PlaneAverage&) = delete;
+    PlaneAverage& operator=(const PlaneAverage&) = delete;
+
+    [[nodiscard]] bool isComplete() const { return m_done == m_means.size(); }
+
+    /// @param sums room for a line.
+    template <typename Sum>
+    void averageLine(std::vector<Sum>& sums)
+    {
+        const std::span<quint8> means = m_means.run(m_done, m_walk.stepsOnLine());
+        const std::span<Sum> run = std::span(sums).first(means.size());
+        visit(run, m_frames.first(), m_copy);
+        for (qsizetype i = 1; i < m_frames.size(); ++i) {
+            visit(run, m_frames[i], m_sum);
+        }
+        for (Sum& element : run) {
+            m_divide(element);
+        }
+        std::transform(run.begin(), run.end(), means.begin(),
+                       [](Sum mean) { return static_cast<quint8>(mean); });
+        m_walk.advance(run.size());
+        m_done += run.size();
+    }
+
+private:
+    template <typename Sum, typename Visitor>
+    void visit(std::span<Sum> run, const QImage& frame, Visitor visitor) const
+    {
+        // All frames have one size, so the walk through the first serves the others. Steps that
+        // are constants make vector code.
+        const uchar* pixel = frame.constBits() + m_walk.byteIndex();
+        switch (m_walk.pattern->stepX) {
+        case 1:
+            visitRun(run, pixel, std::integral_constant<int, 1>(), visitor);
+            break;
+        case 2:
+            visitRun(run, pixel, std::integral_constant<int, 2>(), visitor);
+            break;
+        default:
+            visitRun(run, pixel, int{m_walk.pattern->stepX}, visitor);
+            break;
+        }
+    }
+
+    FrameMatrix& m_means;
+    const QVector<QImage>& m_frames;
+    CopyIterator m_copy;
+    SumIterator m_sum;
+    ImageValueIterator m_walk;
+    DivIterator m_divide;
+    std::size_t m_done = 0;
+};
 
 BadpixelDetector::ErrColorMode::ErrColorMode()
     : std::runtime_error(
@@ -27,9 +103,19 @@ BadpixelDetector::ImageIterator::ImageIterator(const QImage* walkedImage,
     , pattern(walkPattern)
 {}
 
-void BadpixelDetector::ImageIterator::advance()
+qsizetype BadpixelDetector::ImageIterator::byteIndex() const
 {
-    x += pattern->stepX;
+    return qsizetype{y} * image->width() + x;
+}
+
+std::size_t BadpixelDetector::ImageIterator::stepsOnLine() const
+{
+    return static_cast<std::size_t>((image->width() - x) / pattern->stepX) + 1;
+}
+
+void BadpixelDetector::ImageIterator::advance(std::size_t steps)
+{
+    x += static_cast<int>(steps) * pattern->stepX;
     // Not ">=": see the class. With it, elements and pixels would pair differently.
     if (x > image->width()) {
         x = pattern->startX;
@@ -46,7 +132,7 @@ BadpixelDetector::ImageValueIterator::ImageValueIterator(const QImage* walkedIma
 
 void BadpixelDetector::ImageValueIterator::operator()(unsigned int& element)
 {
-    (*inner)(element, image->constBits() + qsizetype{y} * image->width() + x);
+    (*inner)(element, image->constBits() + byteIndex());
     advance();
 }
 
@@ -85,13 +171,8 @@ void BadpixelDetector::accumulate()
 {
     try {
         makeMatrices();
-        if (m_colorMode == Mono8) {
-            average(*m_matrix, m_patterns[0]);
-        } else {
-            for (std::size_t plane = 0; plane < m_bayerMatrix.size(); ++plane) {
-                average(*m_bayerMatrix[plane], m_patterns[plane + 1]);
-            }
-        }
+        checkFrames();
+        average();
     } catch (...) {
         emit detectionFinished();
         throw;
@@ -124,26 +205,53 @@ void BadpixelDetector::makeMatrices()
     }
 }
 
-void BadpixelDetector::average(FrameMatrix& matrix, const SamplingPattern& pattern) const
+void BadpixelDetector::checkFrames() const
 {
-    const QImage& first = m_images->first();
-    CopyIterator copy;
-    ImageValueIterator copyFirst(&first, &pattern, &copy);
-    matrix.iterate(copyFirst);
-
-    SumIterator sum;
-    for (const QImage& image : m_images->sliced(1)) {
-        if (image.size() != first.size()) {
+    const QSize size = m_images->first().size();
+    for (qsizetype i = 1; i < m_images->size(); ++i) {
+        const QImage& image = m_images->at(i);
+        if (image.size() != size) {
             throw std::runtime_error(tr("Aqcuired images are not the same size.").toStdString());
         }
-        if (!holdsTheWalk(image)) {
+        // Any format with a byte for each pixel will do; one with less would be read behind its
+        // end.
+        if (image.sizeInBytes() < qsizetype{size.width()} * size.height()) {
             throw std::runtime_error(
                 tr("Image format for hotpixel detection not supported.").toStdString());
         }
-        ImageValueIterator addImage(&image, &pattern, &sum);
-        matrix.iterate(addImage);
     }
+}
 
-    DivIterator divide(static_cast<unsigned>(m_images->size()));
-    matrix.iterate(divide);
+void BadpixelDetector::average()
+{
+    std::deque<PlaneAverage> planes;
+    if (m_colorMode == Mono8) {
+        planes.emplace_back(*m_matrix, *m_images, m_patterns[0]);
+    } else {
+        for (std::size_t plane = 0; plane < m_bayerMatrix.size(); ++plane) {
+            planes.emplace_back(*m_bayerMatrix[plane], *m_images, m_patterns[plane + 1]);
+        }
+    }
+    if (m_images->size() <= MaxFramesOf16BitSums) {
+        averageAs<quint16>(planes);
+    } else {
+        averageAs<unsigned int>(planes);
+    }
+}
+
+template <typename Sum>
+void BadpixelDetector::averageAs(std::deque<PlaneAverage>& planes) const
+{
+    std::vector<Sum> sums(static_cast<std::size_t>(m_images->first().width()) + 1);
+    bool isComplete = false;
+    while (!isComplete) {
+        isComplete = true;
+        // A line of each plane in turn, since two planes read the same lines of the frames.
+        for (PlaneAverage& plane : planes) {
+            if (!plane.isComplete()) {
+                plane.averageLine(sums);
+                isComplete = false;
+            }
+        }
+    }
 }

@@ -7,6 +7,8 @@
 #include <QtGlobal>
 
 #include <array>
+#include <cstddef>
+#include <deque>
 #include <memory>
 #include <stdexcept>
 
@@ -16,8 +18,10 @@ class QImage;
 /// Averages dark frames for a detector of bad pixels, which derives from it.
 ///
 /// In the monochrome mode all pixels make one matrix; in the raw Bayer mode each of the four colour
-/// sites of the mosaic makes a plane of its own. The work on pixels is done by the visitors below,
-/// one kind for each pass. GUI thread.
+/// sites of the mosaic makes a plane of its own. What is done to a pixel is said by the visitors
+/// below, one kind for each pass. Their virtual call operators work on one element at a time; a
+/// detection calls the same visitors without that, for the elements of a whole line of the walk,
+/// so that the compiler makes vector code of them. GUI thread.
 class BadpixelDetector : public QObject
 {
     Q_OBJECT
@@ -76,11 +80,18 @@ public:
         const QImage* image;
         const SamplingPattern* pattern;
 
+        /// The byte of the pixel at the current position, counted from the start of the image.
+        [[nodiscard]] qsizetype byteIndex() const;
+
+        /// How many steps the walk has on its current line, from the current position on.
+        [[nodiscard]] std::size_t stepsOnLine() const;
+
+        /// Goes on by @p steps, 1 … stepsOnLine().
+        void advance(std::size_t steps = 1);
+
     protected:
         ImageIterator(const QImage* image, const SamplingPattern* pattern);
         ~ImageIterator() = default;
-
-        void advance();
     };
 
     /// Hands each element to a visitor together with its pixel.
@@ -113,6 +124,7 @@ public:
         {
             element = *pixel;
         }
+        void operator()(quint16& element, const unsigned char* pixel) const { element = *pixel; }
     };
 
     /// Adds the pixel's value to the element.
@@ -123,6 +135,10 @@ public:
         {
             element += *pixel;
         }
+        void operator()(quint16& element, const unsigned char* pixel) const
+        {
+            element = static_cast<quint16>(element + *pixel);
+        }
     };
 
     /// Divides the element, truncating.
@@ -131,10 +147,23 @@ public:
     public:
         explicit DivIterator(unsigned int divisorOfAll)
             : divisor(divisorOfAll)
+            , m_reciprocal(1.0F / static_cast<float>(divisorOfAll))
         {}
         void operator()(unsigned int& element) override { element /= divisor; }
 
+        /// The same for a sum of @c divisor bytes that fits 16 bits, as a multiplication, which
+        /// vectorises. It is exact: (element + 1/2) / divisor is at least 1 / (2 · 257) away from
+        /// the next integer, and rounding moves it by less than 2⁻¹⁴.
+        void operator()(quint16& element) const
+        {
+            element = static_cast<quint16>(
+                static_cast<int>((static_cast<float>(element) + 0.5F) * m_reciprocal));
+        }
+
         unsigned int divisor;
+
+    private:
+        float m_reciprocal;
     };
 
     /// For frames of the raw Bayer mode, until setImages() says otherwise.
@@ -162,14 +191,13 @@ signals:
     void detectionFinished();
 
 protected:
-    using FrameMatrix = Matrix<unsigned int>;
+    /// Holds means. Those of bytes are bytes; their sums, which are not, are kept only for the line
+    /// that is being averaged.
+    using FrameMatrix = Matrix<quint8>;
 
     /// Averages the frames into the matrices that the colour mode asks for; emits
     /// detectionFinished() before an exception leaves it.
     void accumulate();
-
-    /// The frames' truncated mean for each element of @p matrix, walked with @p pattern.
-    void average(FrameMatrix& matrix, const SamplingPattern& pattern) const;
 
     int m_colorMode = RawBayer8;
     const QVector<QImage>* m_images = nullptr;
@@ -178,5 +206,11 @@ protected:
     const std::array<SamplingPattern, 5> m_patterns;
 
 private:
+    class PlaneAverage;
+
     void makeMatrices();
+    void checkFrames() const;
+    void average();
+    template <typename Sum>
+    void averageAs(std::deque<PlaneAverage>& planes) const;
 };

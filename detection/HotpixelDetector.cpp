@@ -5,14 +5,32 @@
 #include <QImage>
 #include <QPoint>
 
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <span>
+
 namespace {
 
-Matrix<unsigned int>& instanced(const std::unique_ptr<Matrix<unsigned int>>& matrix)
+/// How many elements are looked at together for one above the limit.
+constexpr std::size_t ReportRun = 128;
+
+template <typename T>
+T& instanced(const std::unique_ptr<T>& matrix)
 {
     if (!matrix) {
         throw std::runtime_error(BadpixelDetector::tr("Not instanced.").toStdString());
     }
     return *matrix;
+}
+
+quint8 brightest(std::span<const quint8> run)
+{
+    quint8 greatest = 0;
+    for (const quint8 element : run) {
+        greatest = std::max(greatest, element);
+    }
+    return greatest;
 }
 
 } // namespace
@@ -56,7 +74,9 @@ void HotpixelDetector::detect(BadpixelListModel* model)
 unsigned int HotpixelDetector::limitOf(FrameMatrix& matrix) const
 {
     MeanIterator mean;
-    matrix.iterate(mean);
+    for (unsigned int element : matrix.run(0, matrix.size())) {
+        mean(element);
+    }
     return mean.sum / mean.count + static_cast<unsigned int>(m_threshold);
 }
 
@@ -65,5 +85,17 @@ void HotpixelDetector::report(FrameMatrix& matrix, const SamplingPattern& patter
 {
     AddHotpixelIterator add(model, limit);
     ImagePosIterator walk(&m_images->first(), &pattern, &add);
-    matrix.iterate(walk);
+    std::size_t done = 0;
+    while (done < matrix.size()) {
+        const std::span<quint8> run = matrix.run(done, std::min(walk.stepsOnLine(), ReportRun));
+        // Most runs have no hot pixel, and finding that out is vector code.
+        if (brightest(run) > limit) {
+            for (unsigned int element : run) {
+                walk(element);
+            }
+        } else {
+            walk.advance(run.size());
+        }
+        done += run.size();
+    }
 }

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <stdexcept>
 
 /// A matrix of numbers that is worked on by visitors; its storage stays inside.
@@ -68,6 +70,17 @@ public:
                 it((*this)(x, y));
             }
         }
+    }
+
+    /// Number of elements.
+    [[nodiscard]] std::size_t size() const { return std::size_t{m_sizeX} * m_sizeY; }
+
+    /// The elements from number @p first on in the order of iterate(): @p count, or as many as
+    /// there are. For passes over many elements at once, which compile to plain loops.
+    [[nodiscard]] std::span<T> run(std::size_t first, std::size_t count)
+    {
+        const std::span<T> all(m_data.get(), size());
+        return all.subspan(first, std::min(count, all.size() - first));
     }
 
 private:

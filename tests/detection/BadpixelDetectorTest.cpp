@@ -105,6 +105,26 @@ TEST(BadpixelDetectorVisitors, DivTruncates)
     }
 }
 
+TEST(BadpixelDetectorVisitors, WorkOn16BitSumsAsOnElements)
+{
+    const unsigned char pixel = 200;
+    quint16 element = 77;
+    BadpixelDetector::CopyIterator()(element, &pixel);
+    EXPECT_EQ(element, 200);
+    BadpixelDetector::SumIterator()(element, &pixel);
+    EXPECT_EQ(element, 400);
+
+    // All sums that up to 257 bytes can have.
+    for (unsigned divisor = 1; divisor <= 257; ++divisor) {
+        const BadpixelDetector::DivIterator divide(divisor);
+        for (unsigned sum = 0; sum <= 255 * divisor; ++sum) {
+            auto mean = static_cast<quint16>(sum);
+            divide(mean);
+            ASSERT_EQ(mean, sum / divisor) << sum << " / " << divisor;
+        }
+    }
+}
+
 TEST(BadpixelDetectorWalk, VisitsXAtTheWidthBeforeItWraps)
 {
     const QImage image = uniformFrame(4, 2, 0);
@@ -147,6 +167,26 @@ TEST(BadpixelDetectorWalk, CountsBytesAsIfLinesHadNoPadding)
     BadpixelDetector::ImageValueIterator walkBytes(&image, &pattern, &bytes);
     matrix.iterate(walkBytes);
     EXPECT_EQ(bytes.bytes, (std::vector<qsizetype>{6, 8}));
+}
+
+TEST(BadpixelDetectorWalk, GoesOnByWholeRunsOfALine)
+{
+    const QImage image = uniformFrame(5, 4, 0);
+    const BadpixelDetector::SamplingPattern pattern{0, 1, 2, 2};
+    RecordPositions positions;
+    BadpixelDetector::ImagePosIterator walk(&image, &pattern, &positions);
+    EXPECT_EQ(walk.stepsOnLine(), 3U);
+    walk.advance(2);
+    EXPECT_EQ(walk.x, 4);
+    EXPECT_EQ(walk.y, 1);
+    EXPECT_EQ(walk.byteIndex(), 9);
+    EXPECT_EQ(walk.stepsOnLine(), 1U);
+    walk.advance(1);
+    EXPECT_EQ(walk.x, 0);
+    EXPECT_EQ(walk.y, 3);
+    walk.advance(3);
+    EXPECT_EQ(walk.x, 0);
+    EXPECT_EQ(walk.y, 5);
 }
 
 TEST(BadpixelDetectorWalk, NeverReachesBehindTheImage)
