@@ -121,8 +121,8 @@ void DisplayWidget::redrawImage()
     if (m_highlight) {
         drawMarks(picture);
     }
-    // The label gives up its picture, so that its memory serves the next one: most of the time of an
-    // enlarged picture would go into fetching new memory.
+    // The label gives up its picture, so that its memory serves the next one: most of the time of
+    // an enlarged picture would go into fetching new memory.
     QImage former = m_label->pixmap().toImage();
     m_label->clear();
     QImage shown = scaled(picture, former);
