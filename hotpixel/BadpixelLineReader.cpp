@@ -4,7 +4,14 @@
 
 void BadpixelLineReader::read(QStringView text)
 {
-    for (const QChar character : text) {
+    for (qsizetype position = 0; position < text.size(); ++position) {
+        if (m_state == State::Ignore) {
+            position = text.indexOf(u'\n', position);
+            if (position < 0) {
+                return;
+            }
+        }
+        const QChar character = text.at(position);
         if (character == u'\r') {
             continue;
         }
@@ -14,7 +21,7 @@ void BadpixelLineReader::read(QStringView text)
         }
         m_lineBegun = true;
         // A character that ends a number may begin the next one: "5-3" is 5 and −3.
-        if (m_state != State::Ignore && !continueNumber(character)) {
+        if (!continueNumber(character)) {
             endNumber();
             beginNumber(character);
         }

@@ -3,6 +3,7 @@
 #include "tests/widgets/MethodsOf.h"
 
 #include <QDoubleSpinBox>
+#include <QSignalSpy>
 #include <QSlider>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -119,6 +120,14 @@ TEST_F(DoubleParameter, AClickOnTheSlidersTrackMovesTheSpinBoxWithoutAReport)
     EXPECT_EQ(position(), 9) << "a page step of 4";
     EXPECT_EQ(value(), 4.5);
     EXPECT_EQ(m_reports.size(), 0U);
+}
+
+TEST_F(DoubleParameter, FollowsTheSliderWithTheSpinBoxsSignalsBlocked)
+{
+    const QSignalSpy spinBoxSpy(m_widget.spinBox(), &QDoubleSpinBox::valueChanged);
+    m_widget.changeValueRelative(8);
+    EXPECT_EQ(value(), 4.0);
+    EXPECT_EQ(spinBoxSpy.count(), 0);
 }
 
 TEST_F(DoubleParameter, ReportsItsValueWhenAsked)

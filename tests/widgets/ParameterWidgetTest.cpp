@@ -2,6 +2,7 @@
 
 #include "tests/widgets/MethodsOf.h"
 
+#include <QSignalSpy>
 #include <QSlider>
 #include <QSpinBox>
 #include <QTest>
@@ -107,6 +108,15 @@ TEST_F(Threshold, ChangesItsValueWithoutAReport)
     EXPECT_EQ(m_widget.spinBox()->value(), 99);
     EXPECT_EQ(m_widget.slider()->value(), 99);
     EXPECT_EQ(m_reports.size(), 0U);
+}
+
+TEST_F(Threshold, BringsItsControlsInLineWithTheirSignalsBlocked)
+{
+    const QSignalSpy sliderSpy(m_widget.slider(), &QSlider::valueChanged);
+    const QSignalSpy spinBoxSpy(m_widget.spinBox(), &QSpinBox::valueChanged);
+    m_widget.changeValue(99);
+    EXPECT_EQ(sliderSpy.count(), 0);
+    EXPECT_EQ(spinBoxSpy.count(), 0);
 }
 
 TEST_F(Threshold, ReportsItsValueWhenAsked)
