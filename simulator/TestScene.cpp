@@ -122,9 +122,14 @@ private:
 
 void drawBackground(SensorPainter& painter)
 {
+    std::vector<int> across;
+    for (int x = 0; x < painter.width(); ++x) {
+        across.push_back(50 + 40 * x / painter.width());
+    }
     for (int y = 0; y < painter.height(); ++y) {
+        const int down = 30 * y / painter.height();
         for (int x = 0; x < painter.width(); ++x) {
-            painter.put(x, y, grey(50 + 40 * x / painter.width() + 30 * y / painter.height()));
+            painter.put(x, y, grey(across[static_cast<std::size_t>(x)] + down));
         }
     }
 }

@@ -129,10 +129,13 @@ TEST_F(EepromFiles, LeftoversAreRemovedAndNothingElse)
 TEST_F(EepromFiles, HoldTheOldOrTheNewListWhenTheirWriterIsKilled)
 {
     constexpr int Kills = 200;
+    constexpr int Patience = 5;
     const std::vector<EepromContent> contents{sample(1, 300), sample(2, 150), sample(3, 0)};
     m_file.write(contents[0]);
     int changed = 0;
+    int unchangedInARow = 0;
     EepromContent before = contents[0];
+    useconds_t longestLife = 4000; // microseconds; more where writers need longer to get anywhere
     for (int kill = 0; kill < Kills; ++kill) {
         const pid_t writer = ::fork();
         ASSERT_GE(writer, 0);
@@ -142,14 +145,19 @@ TEST_F(EepromFiles, HoldTheOldOrTheNewListWhenTheirWriterIsKilled)
             }
         }
         // From before the first write to amid the later ones.
-        ::usleep(static_cast<useconds_t>(kill * 53 % 5000));
+        ::usleep(longestLife * static_cast<useconds_t>(kill * 37 % 100) / 100);
         ::kill(writer, SIGKILL);
         ASSERT_EQ(::waitpid(writer, nullptr, 0), writer);
 
         const EepromContent after = m_file.read();
         ASSERT_NE(std::find(contents.begin(), contents.end(), after), contents.end());
+        unchangedInARow = after == before ? unchangedInARow + 1 : 0;
         changed += after == before ? 0 : 1;
         before = after;
+        if (unchangedInARow > Patience) {
+            longestLife *= 2;
+            unchangedInARow = 0;
+        }
         m_file.removeLeftovers();
         ASSERT_EQ(QFileInfo(m_file.fileName()).dir().entryList(QDir::Files).size(), 1);
     }

@@ -8,6 +8,7 @@
 #include <QDoubleSpinBox>
 #include <QLabel>
 #include <QTest>
+#include <QTimer>
 
 using bench::Bench;
 
@@ -114,17 +115,30 @@ TEST_F(SimulatedCamerasWindowTest, SaysWhereTheEepromFilesAre)
     EXPECT_NE(where->textInteractionFlags() & Qt::TextSelectableByMouse, 0);
 }
 
-TEST_F(SimulatedCamerasWindowTest, DoesNotKeepTheProgramRunning)
+TEST_F(SimulatedCamerasWindowTest, TheProgramEndsWithItsOwnWindow)
 {
-    EXPECT_FALSE(m_window.testAttribute(Qt::WA_QuitOnClose));
+    QWidget editor;
+    editor.show();
+    m_window.show();
+    QTimer::singleShot(0, &editor, &QWidget::close);
+    QTimer::singleShot(bench::GenerousMsec, &editor, [] { QCoreApplication::exit(1); });
+    EXPECT_EQ(QCoreApplication::exec(), 0);
+    EXPECT_FALSE(m_window.isVisible());
 }
 
-TEST_F(SimulatedCamerasWindowTest, MayBeClosedWhileTheProgramGoesOn)
+TEST_F(SimulatedCamerasWindowTest, TheProgramGoesOnWithoutIt)
 {
+    QWidget editor;
+    editor.show();
     m_window.show();
-    m_window.close();
-    EXPECT_FALSE(m_window.isVisible());
-    EXPECT_FALSE(QCoreApplication::closingDown());
+    bool wentOn = false;
+    QTimer::singleShot(0, &m_window, &QWidget::close);
+    QTimer::singleShot(100, &editor, [&] {
+        wentOn = !m_window.isVisible();
+        editor.close();
+    });
+    EXPECT_EQ(QCoreApplication::exec(), 0);
+    EXPECT_TRUE(wentOn);
 }
 
 TEST(SdkWindow, IsShownForSimulatedCamerasOnly)
