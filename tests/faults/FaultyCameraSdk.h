@@ -64,7 +64,7 @@ struct SdkFault
 /// something back (stopLiveVideo, freeImageMemory, exitEvent, disableEvent, clearSequence and
 /// exitCamera): there the SDK does its work and reports a failure all the same, as hardware that
 /// has gone does; a camera that was never let go could not be opened again by anybody. Any thread.
-class FaultyCameraSdk final : public CameraSdk
+class FaultyCameraSdk : public CameraSdk
 {
 public:
     static constexpr std::int32_t FaultCode = 77;
