@@ -16,21 +16,19 @@
 
 namespace {
 
-/// How long the camera may be silent: several frames, and never less than this.
-constexpr std::chrono::milliseconds LeastPatience{10'000};
-constexpr double PatienceFrames = 5;
+constexpr double PatienceFrames = 5; ///< how long the camera may be silent
 
 /// Where the detection run stops counting what a camera can't store.
 constexpr int CountedAtMost = 5000;
 
-std::chrono::milliseconds patience(double framesPerSecond)
+std::chrono::milliseconds patience(double framesPerSecond, std::chrono::milliseconds least)
 {
     if (framesPerSecond <= 0) {
-        return LeastPatience;
+        return least;
     }
     const std::chrono::duration<double, std::milli> frames(1000.0 * PatienceFrames /
                                                            framesPerSecond);
-    return std::max(LeastPatience, std::chrono::duration_cast<std::chrono::milliseconds>(frames));
+    return std::max(least, std::chrono::duration_cast<std::chrono::milliseconds>(frames));
 }
 
 } // namespace
@@ -68,7 +66,7 @@ LiveDetection::Result LiveDetection::takeFrames(DetectionRun& run, int skippedFr
 
     QTimer silence;
     silence.setSingleShot(true);
-    silence.setInterval(patience(camera.framerate().value));
+    silence.setInterval(patience(camera.framerate().value, m_leastPatience));
     int images = 0;
     // All connections end with the loop.
     QObject::connect(&camera, &Camera::newImage, &loop, [&](const QImage& image) {

@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QString>
 
+#include <chrono>
+
 class BadpixelListModel;
 class CameraSession;
 struct CommandContext;
@@ -33,6 +35,10 @@ public:
     /// @param list the hotpixels that are known; gets those that are found
     LiveDetection(CameraSession& session, BadpixelListModel& list, CommandContext& context);
 
+    /// How long the camera may be silent at least (10 seconds at first); it may be so for five
+    /// frames in any case.
+    void setLeastPatience(std::chrono::milliseconds patience) { m_leastPatience = patience; }
+
     /// Takes the frames and finds the hotpixels; runs the event loop meanwhile.
     /// @param clear removes the list's user entries first
     /// @param threshold in grey levels above the mean
@@ -46,4 +52,5 @@ private:
     CameraSession& m_session;
     BadpixelListModel& m_list;
     CommandContext& m_context;
+    std::chrono::milliseconds m_leastPatience{10'000};
 };

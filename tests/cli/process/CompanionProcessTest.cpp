@@ -1,0 +1,440 @@
+#include "hotpixel/BadpixelListFile.h"
+#include "tests/cli/process/CompanionBench.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace {
+
+using Entries = std::vector<BadpixelEntry>;
+
+const Entries ThreeEntries{{1, 2, UserPixel}, {63, 47, UserPixel}, {64, 5, UserPixel}};
+constexpr auto ThreeLines = "1 2 1\n63 47 1\n64 5 1\n";
+
+/// Its only line, without the line end and the program's name.
+QByteArray errorLine(const Finished& finished)
+{
+    EXPECT_EQ(finished.err.count('\n'), 1) << finished.err.constData();
+    EXPECT_TRUE(finished.err.startsWith("vorn-hotpixel-demo: ")) << finished.err.constData();
+    return finished.err.mid(finished.err.indexOf(' ') + 1).trimmed();
+}
+
+QByteArray contentOf(const QString& fileName)
+{
+    QFile file(fileName);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(fileName);
+    return file.readAll();
+}
+
+Entries entriesOf(const QJsonArray& array)
+{
+    Entries entries;
+    for (const QJsonValue& pair : array) {
+        entries.push_back({static_cast<std::uint16_t>(pair.toArray().at(0).toInt()),
+                           static_cast<std::uint16_t>(pair.toArray().at(1).toInt()), UserPixel});
+    }
+    return entries;
+}
+
+} // namespace
+
+TEST(CompanionProcess, ListsTheCameras)
+{
+    const CompanionBench bench(
+        "[camera1]\nserial=111\nmodel=One\ncamId=7\ndevId=5\n"
+        "[camera2]\nserial=22222\nmodel=Second\ncamId=8\ndevId=16\nheldElsewhere=true\n");
+    const Finished text = bench.run(QStringLiteral("cameras"));
+    EXPECT_EQ(text.status, 0);
+    EXPECT_EQ(text.out, QByteArray("Cam  Dev  Model   SerNo  Status\n"
+                                   "7    5    One     111    free\n"
+                                   "8    16   Second  22222  in use\n"));
+    EXPECT_EQ(text.err, QByteArray());
+
+    const QJsonArray cameras = bench.run(QStringLiteral("cameras --json"))
+                                   .json()
+                                   .value(QStringLiteral("cameras"))
+                                   .toArray();
+    ASSERT_EQ(cameras.size(), 2);
+    EXPECT_EQ(cameras[1].toObject(),
+              (QJsonObject{{QStringLiteral("cam"), 8},
+                           {QStringLiteral("dev"), 16},
+                           {QStringLiteral("model"), QStringLiteral("Second")},
+                           {QStringLiteral("serNo"), QStringLiteral("22222")},
+                           {QStringLiteral("status"), QStringLiteral("in use")}}));
+}
+
+TEST(CompanionProcess, ListsNoCamerasWithANotice)
+{
+    const CompanionBench bench("[camera1]\nplugged=false\n");
+    const Finished text = bench.run(QStringLiteral("cameras"));
+    EXPECT_EQ(text.status, 0);
+    EXPECT_EQ(text.out, QByteArray());
+    EXPECT_EQ(text.err, QByteArray("No camera is connected.\n"));
+    EXPECT_EQ(bench.run(QStringLiteral("cameras --json")).out, QByteArray("{\"cameras\":[]}\n"));
+}
+
+TEST(CompanionProcess, NamesACameraByItsDevNumberOrItsSerialNumber)
+{
+    const CompanionBench bench("[camera1]\nserial=1000\ndevId=7\n[camera2]\nserial=7\ndevId=1000\n"
+                               "[camera3]\nserial=S3\ndevId=3\n");
+    const QByteArray byDev = bench.run(QStringLiteral("read 3")).out;
+    EXPECT_TRUE(byDev.contains("SerNo S3, Dev 3"));
+    EXPECT_EQ(bench.run(QStringLiteral("read S3")).out, byDev);
+
+    const Finished both = bench.run(QStringLiteral("read 1000"));
+    EXPECT_EQ(both.status, 1);
+    EXPECT_EQ(errorLine(both), QByteArray("\"1000\" is the Dev number of one camera and the serial "
+                                          "number of another."));
+}
+
+TEST(CompanionProcess, FailsWithOneLineForACameraThatCantBeOpened)
+{
+    const CompanionBench bench(smallCamera("[camera2]\nserial=S2\nheldElsewhere=true\n"
+                                           "[camera3]\nserial=S3\nplugged=false\n"));
+    const QString list = bench.write(QStringLiteral("list.txt"), ThreeLines);
+    for (const char* command : {"read", "detect", "write --yes"}) {
+        const QString arguments =
+            QLatin1String(command) + QLatin1String(" CAMERA") +
+            QLatin1String(command == std::string_view("write --yes") ? " %1" : "");
+        for (const char* camera : {"9", "S", "S3", "-1x"}) {
+            if (*camera == '-') {
+                continue;
+            }
+            const Finished missing = bench.run(
+                QString(arguments).replace(QLatin1String("CAMERA"), QLatin1String(camera)), list);
+            EXPECT_EQ(missing.status, 1);
+            EXPECT_EQ(missing.out, QByteArray());
+            EXPECT_EQ(errorLine(missing),
+                      QByteArray("No camera with the Dev number or serial number \"") + camera +
+                          "\" is connected.");
+        }
+        const Finished used = bench.run(
+            QString(arguments).replace(QLatin1String("CAMERA"), QLatin1String("S2")), list);
+        EXPECT_EQ(used.status, 1);
+        EXPECT_EQ(errorLine(used),
+                  QByteArray("The camera (Simulated, SerNo S2, Dev 2) is in use by "
+                             "another program."));
+    }
+}
+
+TEST(CompanionProcess, FindsACameraInUseThatItsOtherCopyHasOpen)
+{
+    const CompanionBench bench(smallCamera().replace("speed=40", "speed=0.05"));
+    const std::unique_ptr<QProcess> first =
+        bench.start({QStringLiteral("detect"), QStringLiteral("1"), QStringLiteral("--cover")});
+    ASSERT_TRUE(CompanionBench::waitForError(*first, "Taking 10 dark frames"));
+    const Finished second = bench.run(QStringLiteral("read 1"));
+    EXPECT_EQ(second.status, 1);
+    EXPECT_EQ(errorLine(second),
+              QByteArray("The camera (Small, SerNo S1, Dev 1) is in use by another program."));
+    EXPECT_TRUE(bench.run(QStringLiteral("cameras")).out.contains("in use"));
+    first->terminate();
+    EXPECT_EQ(CompanionBench::finish(*first).status, 1);
+}
+
+TEST(CompanionProcess, ReadsBothLists)
+{
+    const CompanionBench bench(smallCamera());
+    const QString saved = bench.file(QStringLiteral("saved.txt"));
+    const Finished text = bench.run(QStringLiteral("read S1 --out %1"), saved);
+    EXPECT_EQ(text.status, 0);
+    EXPECT_EQ(text.err, QByteArray());
+    const Entries user = bench.eeprom(QStringLiteral("S1"));
+    ASSERT_EQ(user.size(), 3);
+    EXPECT_EQ(hotpixel::readListFile(saved), user);
+    const QList<QByteArray> lines = text.out.split('\n');
+    ASSERT_EQ(lines.size(), 7);
+    EXPECT_EQ(lines[0], QByteArray("Small, SerNo S1, Dev 1"));
+    EXPECT_EQ(lines[1], QByteArray("Factory list: 2 entries"));
+    EXPECT_EQ(lines[3], QByteArray("User list: 3 entries, at most 16"));
+    for (const BadpixelEntry& entry : user) {
+        EXPECT_TRUE(
+            lines[4].contains(QStringLiteral("(%1, %2)").arg(entry.x).arg(entry.y).toLatin1()));
+    }
+    EXPECT_EQ(lines[5], QByteArray("User list saved to ") + saved.toLocal8Bit());
+
+    const QJsonObject json = bench.run(QStringLiteral("read S1 --json")).json();
+    EXPECT_EQ(entriesOf(json[QStringLiteral("user")].toArray()), user);
+    EXPECT_EQ(json[QStringLiteral("factory")].toArray().size(), 2);
+    EXPECT_EQ(json[QStringLiteral("capacity")].toInt(), 16);
+}
+
+TEST(CompanionProcess, WritesAListThatTheNextProcessReadsBack)
+{
+    const CompanionBench bench(smallCamera());
+    bench.run(QStringLiteral("read 1"));
+    const Entries before = bench.eeprom(QStringLiteral("S1"));
+    const Finished written = bench.run(QStringLiteral("write 1 %1 --yes"),
+                                       bench.write(QStringLiteral("list.txt"), ThreeLines));
+    EXPECT_EQ(written.status, 0);
+    EXPECT_EQ(written.err,
+              QByteArray("Note: 1 entry at x = 64, behind the sensor's last column, as "
+                         "a detection lists them.\n"));
+    EXPECT_EQ(
+        entriesOf(
+            bench.run(QStringLiteral("read 1 --json")).json()[QStringLiteral("user")].toArray()),
+        ThreeEntries);
+    const QStringList backups = bench.backups();
+    ASSERT_EQ(backups.size(), 1);
+    EXPECT_EQ(hotpixel::readListFile(backups.front()), before);
+    EXPECT_EQ(written.out, QByteArray("Small, SerNo S1, Dev 1\n"
+                                      "Written into the camera and read back: 3 entries of at most "
+                                      "16\nThe list before (3 entries) is saved in ") +
+                               backups.front().toLocal8Bit() + '\n');
+}
+
+TEST(CompanionProcess, TellsMachinesWhatItWrote)
+{
+    const CompanionBench bench(smallCamera());
+    const QString empty = bench.write(QStringLiteral("empty.txt"), "");
+    const QJsonObject json = bench.run(QStringLiteral("write 1 %1 --yes --json"), empty).json();
+    const QJsonObject written = json[QStringLiteral("written")].toObject();
+    EXPECT_EQ(json[QStringLiteral("file")].toString(), empty);
+    EXPECT_EQ(written[QStringLiteral("entries")].toInt(-1), 0);
+    EXPECT_EQ(written[QStringLiteral("replaced")].toInt(-1), 3);
+    EXPECT_EQ(bench.backups(), QStringList(written[QStringLiteral("backup")].toString()));
+    EXPECT_TRUE(bench.eeprom(QStringLiteral("S1")).empty());
+}
+
+TEST(CompanionProcess, WritesNothingThatIsNotAListForThisCamera)
+{
+    const CompanionBench bench(smallCamera());
+    bench.run(QStringLiteral("read 1"));
+    const Entries before = bench.eeprom(QStringLiteral("S1"));
+    const QByteArray tooLong = QByteArray("1 1 1\n").repeated(17);
+    const struct
+    {
+        QString name;
+        QByteArray content;
+        QByteArray message;
+    } cases[] = {
+        {QStringLiteral("long"), tooLong,
+         "The list has 17 user entries, but the camera can store 16 at most."},
+        {QStringLiteral("right"), "1 1 1\n65 1 1\n",
+         "The entry (65, 1) lies outside the sensor of 64 × 48 pixels."},
+        {QStringLiteral("below"), "1 48 1\n",
+         "The entry (1, 48) lies outside the sensor of 64 × 48 pixels."},
+        {QStringLiteral("class"), "1 1 1\n5 5 0\n",
+         "%1, line 2: this is no user entry (x, y and the class 1)."},
+        {QStringLiteral("words"), "Dear diary,\n",
+         "%1, line 1: this is no user entry (x, y and the class 1)."},
+    };
+    for (const auto& [name, content, message] : cases) {
+        const QString list = bench.write(name, content);
+        const Finished refused = bench.run(QStringLiteral("write 1 %1 --yes --json"), list);
+        EXPECT_EQ(refused.status, 1);
+        EXPECT_EQ(refused.out, QByteArray());
+        EXPECT_EQ(errorLine(refused), QByteArray(message).replace("%1", list.toLocal8Bit()));
+    }
+    EXPECT_EQ(errorLine(bench.run(QStringLiteral("write 1 %1 --yes"),
+                                  bench.file(QStringLiteral("eeprom")))),
+              bench.file(QStringLiteral("eeprom")).toLocal8Bit() +
+                  " is a folder, not a list file.");
+    const QString missing = bench.file(QStringLiteral("missing.txt"));
+    EXPECT_TRUE(errorLine(bench.run(QStringLiteral("write 1 %1 --yes"), missing))
+                    .startsWith("Can't open file for reading. (" + missing.toLocal8Bit()));
+    EXPECT_EQ(bench.eeprom(QStringLiteral("S1")), before);
+    EXPECT_TRUE(bench.backups().isEmpty());
+}
+
+TEST(CompanionProcess, RefusesToOverwriteWithoutAQuestionOrYes)
+{
+    const CompanionBench bench(smallCamera());
+    const Finished refused = bench.run(QStringLiteral("write 1 %1"),
+                                       bench.write(QStringLiteral("list.txt"), ThreeLines));
+    EXPECT_EQ(refused.status, 2);
+    EXPECT_TRUE(errorLine(refused).contains("use --yes"));
+    EXPECT_FALSE(QFileInfo::exists(bench.file(QStringLiteral("eeprom"))));
+}
+
+TEST(CompanionProcess, WritesNothingWhenTheOldListCantBeSaved)
+{
+    const CompanionBench bench(smallCamera());
+    bench.run(QStringLiteral("read 1"));
+    const Entries before = bench.eeprom(QStringLiteral("S1"));
+    bench.write(QStringLiteral("data"), "in the way of the folder of this name");
+    const Finished refused = bench.run(QStringLiteral("write 1 %1 --yes --json"),
+                                       bench.write(QStringLiteral("list.txt"), "1 2 1\n"));
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(errorLine(refused).startsWith("Can't save the old list in "));
+    EXPECT_EQ(bench.eeprom(QStringLiteral("S1")), before);
+}
+
+TEST(CompanionProcess, LeavesTheOldFileWhenTheResultCantBeSaved)
+{
+    const CompanionBench bench(smallCamera());
+    const Finished folder =
+        bench.run(QStringLiteral("read 1 --out %1"), bench.file(QStringLiteral(".")));
+    EXPECT_EQ(folder.status, 1);
+    EXPECT_TRUE(errorLine(folder).endsWith(": it is a folder."));
+
+    const Finished nowhere =
+        bench.run(QStringLiteral("read 1 --out %1"), bench.file(QStringLiteral("no/where.txt")));
+    EXPECT_EQ(nowhere.status, 1);
+    EXPECT_TRUE(errorLine(nowhere).endsWith(": there is no such folder."));
+
+    if (QFileInfo::exists(QStringLiteral("/dev/full"))) {
+        const Finished full = bench.run(QStringLiteral("read 1 --out /dev/full"));
+        EXPECT_EQ(full.status, 1);
+        EXPECT_TRUE(errorLine(full).startsWith("Can't save to /dev/full: "));
+        EXPECT_FALSE(QFileInfo(QStringLiteral("/dev/full")).isFile());
+    }
+}
+
+TEST(CompanionProcess, DetectsUnderTheLensCapAndSavesAndWrites)
+{
+    const CompanionBench bench(smallCamera());
+    const QString list = bench.file(QStringLiteral("list.txt"));
+    const Finished found =
+        bench.run(QStringLiteral("detect 1 --cover --auto --clear --out %1 --write --yes"), list);
+    EXPECT_EQ(found.status, 0) << found.err.constData();
+    const Entries saved = hotpixel::readListFile(list);
+    EXPECT_FALSE(saved.empty());
+    EXPECT_EQ(bench.eeprom(QStringLiteral("S1")), saved);
+    EXPECT_EQ(bench.backups().size(), 1);
+    EXPECT_TRUE(found.out.contains("Sensor: 64 × 48 pixels, raw Bayer\n"));
+    EXPECT_TRUE(found.out.contains("Already known: 2 in the factory list, 0 in the user list\n"));
+    EXPECT_TRUE(found.out.contains("odd columns, odd rows"));
+
+    // Everything is known by now.
+    const QJsonObject again = bench.run(QStringLiteral("detect 1 --cover --auto --json")).json();
+    EXPECT_EQ(again[QStringLiteral("outcome")].toString(), QStringLiteral("found"));
+    EXPECT_EQ(again[QStringLiteral("found")].toInt(-1), 0);
+    EXPECT_EQ(again[QStringLiteral("known")].toObject()[QStringLiteral("user")].toInt(),
+              static_cast<int>(saved.size()));
+}
+
+TEST(CompanionProcess, RefusesASceneThatIsNotDark)
+{
+    const CompanionBench bench("[bus]\nspeed=40\n[camera1]\nserial=S1\nwidth=320\nheight=240\n");
+    bench.run(QStringLiteral("read 1"));
+    const Entries before = bench.eeprom(QStringLiteral("S1"));
+    const QString list = bench.write(QStringLiteral("list.txt"), "1 2 1\n");
+    const Finished bright =
+        bench.run(QStringLiteral("detect 1 --auto --clear --json --out %1 --write --yes"), list);
+    EXPECT_EQ(bright.status, 1);
+    EXPECT_EQ(bright.json()[QStringLiteral("outcome")].toString(), QStringLiteral("not-dark"));
+    EXPECT_TRUE(bright.err.endsWith("vorn-hotpixel-demo: Too many Hotpixel have been found. Please "
+                                    "make sure that the sensor is completely obscured.\n"));
+    EXPECT_EQ(bench.eeprom(QStringLiteral("S1")), before);
+    EXPECT_EQ(contentOf(list), QByteArray("1 2 1\n"));
+}
+
+TEST(CompanionProcess, TakesNothingOverWhenTheCameraCantStoreIt)
+{
+    const CompanionBench bench(smallCamera().replace("userCapacity=16", "userCapacity=4"));
+    bench.run(QStringLiteral("read 1"));
+    const Entries before = bench.eeprom(QStringLiteral("S1"));
+    const QString list = bench.write(QStringLiteral("list.txt"), "1 2 1\n");
+    const Finished full =
+        bench.run(QStringLiteral("detect 1 --cover --auto --json --out %1 --write --yes"), list);
+    EXPECT_EQ(full.status, 1);
+    const QJsonObject json = full.json();
+    const int there = json[QStringLiteral("foundWithoutLimit")].toInt();
+    EXPECT_EQ(json[QStringLiteral("outcome")].toString(), QStringLiteral("too-many"));
+    EXPECT_GT(there, 4);
+    EXPECT_TRUE(full.err.endsWith("vorn-hotpixel-demo: Can't add more than 4 hotpixel entries. The "
+                                  "frames hold " +
+                                  QByteArray::number(there) +
+                                  " hotpixels; none was taken over.\n"));
+    EXPECT_EQ(bench.eeprom(QStringLiteral("S1")), before);
+    EXPECT_EQ(contentOf(list), QByteArray("1 2 1\n"));
+}
+
+TEST(CompanionProcess, ReadsAndSavesAListThatIsLongerThanTheEditorShowsButRefusesToDetectWithIt)
+{
+    const CompanionBench bench(smallCamera().replace("userCapacity=16", "userCapacity=5000"));
+    QByteArray lines;
+    for (int i = 0; i < 1500; ++i) {
+        lines += QByteArray::number(i % 64) + ' ' + QByteArray::number(i / 64) + " 1\n";
+    }
+    const QString list = bench.write(QStringLiteral("list.txt"), lines);
+    EXPECT_EQ(bench.run(QStringLiteral("write 1 %1 --yes"), list).status, 0);
+    const QString back = bench.file(QStringLiteral("back.txt"));
+    EXPECT_EQ(bench.run(QStringLiteral("read 1 --json --out %1"), back).status, 0);
+    EXPECT_EQ(contentOf(back), lines);
+    const Finished refused = bench.run(QStringLiteral("detect 1 --cover"));
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(errorLine(refused),
+              QByteArray("The camera's lists are too long: a detection can take "
+                         "over 1000 entries of each."));
+    EXPECT_EQ(bench
+                  .run(QStringLiteral("write 1 %1 --yes"),
+                       bench.write(QStringLiteral("short.txt"), "1 2 1\n"))
+                  .status,
+              0);
+    EXPECT_EQ(contentOf(bench.backups().last()), lines);
+}
+
+TEST(CompanionProcess, KnowsTheLensCapInTheDemoOnlyForDetection)
+{
+    const CompanionBench bench(smallCamera());
+    EXPECT_TRUE(bench.run(QStringLiteral("detect --help")).out.contains("--cover"));
+    EXPECT_FALSE(bench.run(QStringLiteral("read --help")).out.contains("--cover"));
+}
+
+TEST(CompanionProcess, PassesOnWhatTheCameraHasToSayAboutItsFirmware)
+{
+    const CompanionBench bench(smallCamera("firmwareUpload=true\nfirmwareUploadMsec=2000\n"));
+    const Finished first = bench.run(QStringLiteral("read 1"));
+    EXPECT_EQ(first.status, 0);
+    EXPECT_TRUE(first.err.startsWith("Upload of new firmware required. (approx. "))
+        << first.err.constData();
+    EXPECT_EQ(bench.run(QStringLiteral("read 1")).err, QByteArray());
+}
+
+TEST(CompanionProcess, SaysNothingOfASettingsFileThatIsNotThereButOfOneThatIsWrong)
+{
+    const CompanionBench bench(smallCamera());
+    EXPECT_EQ(bench.run(QStringLiteral("read 1")).err, QByteArray());
+    bench.write(QStringLiteral("VornHotpixelEditor.ini"), "[nonsense]\nnothing=7\n");
+    const Finished wrong = bench.run(QStringLiteral("read 1"));
+    EXPECT_EQ(wrong.status, 0);
+    EXPECT_EQ(wrong.err.count('\n'), 1) << wrong.err.constData();
+}
+
+#ifdef Q_OS_UNIX
+
+TEST(CompanionProcess, ClosesTheCameraWhenItIsInterrupted)
+{
+    for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+        const CompanionBench bench(smallCamera().replace("speed=40", "speed=0.05"));
+        bench.run(QStringLiteral("read 1"));
+        const Entries before = bench.eeprom(QStringLiteral("S1"));
+        const std::unique_ptr<QProcess> process = bench.start(
+            QStringLiteral("detect 1 --cover --clear --write --yes --json").split(u' '));
+        ASSERT_TRUE(CompanionBench::waitForError(*process, "Taking 10 dark frames"));
+        ASSERT_EQ(kill(static_cast<pid_t>(process->processId()), number), 0);
+        const Finished finished = CompanionBench::finish(*process);
+        EXPECT_EQ(finished.status, 1);
+        EXPECT_EQ(finished.json()[QStringLiteral("outcome")].toString(),
+                  QStringLiteral("interrupted"));
+        EXPECT_TRUE(finished.err.endsWith("vorn-hotpixel-demo: Interrupted.\n"));
+        EXPECT_EQ(bench.run(QStringLiteral("read 1")).status, 0);
+        EXPECT_EQ(bench.eeprom(QStringLiteral("S1")), before);
+    }
+}
+
+TEST(CompanionProcess, NamesAFileThatMayNotBeRead)
+{
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "root may read everything";
+    }
+    const CompanionBench bench(smallCamera());
+    const QString list = bench.write(QStringLiteral("list.txt"), "1 2 1\n");
+    ASSERT_TRUE(QFile::setPermissions(list, {}));
+    const Finished refused = bench.run(QStringLiteral("write 1 %1 --yes"), list);
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(errorLine(refused).startsWith("Can't open file for reading. ("));
+}
+
+#endif

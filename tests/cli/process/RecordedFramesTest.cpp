@@ -1,0 +1,73 @@
+#include "tests/cli/process/CompanionBench.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <gtest/gtest.h>
+
+namespace {
+
+const QString Folder = QStringLiteral(VORN_SHARED_DATA "/darkframes/colour_cmos_1280x960");
+
+/// One camera per threshold, so that the detections can run side by side.
+QByteArray camerasFor(const QStringList& thresholds, const QByteArray& sensor)
+{
+    QByteArray cameras;
+    for (const QString& threshold : thresholds) {
+        cameras +=
+            "[camera" + threshold.toLatin1() + "]\nserial=T" + threshold.toLatin1() +
+            "\nwidth=1280\nheight=960\nsensor=" + sensor +
+            "\nuserCapacity=60000\nrecordedFrames=" + QDir(Folder).absolutePath().toLocal8Bit() +
+            "\n";
+    }
+    return cameras;
+}
+
+class RecordedFramesOfAColourSensor : public testing::TestWithParam<int>
+{};
+
+} // namespace
+
+// The detection sees ten of the ten recorded frames, whichever comes first, so its means are those
+// of the recording.
+TEST_P(RecordedFramesOfAColourSensor, GiveTheListFilesThatAreKnownForThem)
+{
+    QFile reference(Folder + QStringLiteral("/detection.json"));
+    if (!reference.open(QIODevice::ReadOnly)) {
+        GTEST_SKIP() << "the recorded frames are not here";
+    }
+    const QJsonObject thresholds = QJsonDocument::fromJson(reference.readAll())
+                                       .object()[QStringLiteral("modes")]
+                                       .toObject()[QString::number(GetParam())]
+                                       .toObject()[QStringLiteral("thresholds")]
+                                       .toObject();
+    ASSERT_EQ(thresholds.size(), 5);
+
+    const CompanionBench bench(camerasFor(thresholds.keys(), GetParam() == 11 ? "bayer" : "mono"));
+    std::vector<std::unique_ptr<QProcess>> processes;
+    for (const QString& threshold : thresholds.keys()) {
+        processes.push_back(
+            bench.start({QStringLiteral("detect"), u'T' + threshold, QStringLiteral("--json"),
+                         QStringLiteral("--threshold"), threshold, QStringLiteral("--out"),
+                         bench.file(threshold)}));
+    }
+    for (std::size_t i = 0; i < processes.size(); ++i) {
+        const QString threshold = thresholds.keys()[static_cast<qsizetype>(i)];
+        const QJsonObject expected = thresholds[threshold].toObject();
+        SCOPED_TRACE(qPrintable(threshold));
+        const Finished finished = CompanionBench::finish(*processes[i]);
+        EXPECT_EQ(finished.status, 0) << finished.err.constData();
+        const QJsonObject json = finished.json();
+        EXPECT_EQ(json[QStringLiteral("colorMode")].toInt(), GetParam());
+        EXPECT_EQ(json[QStringLiteral("found")], expected[QStringLiteral("unique")]);
+
+        QFile list(bench.file(threshold));
+        ASSERT_TRUE(list.open(QIODevice::ReadOnly));
+        EXPECT_EQ(QCryptographicHash::hash(list.readAll(), QCryptographicHash::Sha256).toHex(),
+                  expected[QStringLiteral("sha256OfListFile")].toString().toLatin1());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(BothColourModes, RecordedFramesOfAColourSensor, testing::Values(6, 11));

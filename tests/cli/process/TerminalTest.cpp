@@ -1,0 +1,208 @@
+#include "tests/cli/process/CompanionBench.h"
+
+#include <QtGlobal>
+
+#ifdef Q_OS_UNIX
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int DeadlineMsec = 120'000;
+
+/// The companion on a terminal of its own.
+class TerminalRun
+{
+public:
+    TerminalRun(const CompanionBench& bench, const QByteArrayList& arguments)
+    {
+        m_master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        EXPECT_GE(m_master, 0);
+        EXPECT_EQ(grantpt(m_master), 0);
+        EXPECT_EQ(unlockpt(m_master), 0);
+        const QByteArray slave = ptsname(m_master);
+        // Everything that allocates is made before the fork.
+        QByteArrayList words{VORN_COMPANION};
+        words += arguments;
+        std::vector<char*> argv;
+        for (QByteArray& word : words) {
+            argv.push_back(word.data());
+        }
+        argv.push_back(nullptr);
+        const QByteArray data = bench.file(QStringLiteral("data")).toLocal8Bit();
+        const QByteArray cameras = bench.file(QStringLiteral("cameras.ini")).toLocal8Bit();
+        const QByteArray eeproms = bench.file(QStringLiteral("eeprom")).toLocal8Bit();
+        qputenv("XDG_DATA_HOME", data);
+        qputenv("VORN_SIMULATED_CAMERAS", cameras);
+        qputenv("VORN_SIMULATED_EEPROMS", eeproms);
+        m_child = fork();
+        if (m_child == 0) {
+            setsid();
+            const int terminal = open(slave.constData(), O_RDWR);
+            ioctl(terminal, TIOCSCTTY, 0);
+            dup2(terminal, 0);
+            dup2(terminal, 1);
+            dup2(terminal, 2);
+            execv(argv.front(), argv.data());
+            _exit(127);
+        }
+        EXPECT_GT(m_child, 0);
+    }
+
+    ~TerminalRun()
+    {
+        if (m_child > 0) {
+            kill(m_child, SIGKILL);
+            waitpid(m_child, nullptr, 0);
+        }
+        close(m_master);
+    }
+
+    TerminalRun(const TerminalRun&) = delete;
+    TerminalRun& operator=(const TerminalRun&) = delete;
+
+    /// Reads until @p text has appeared; false when the terminal closes before.
+    bool waitFor(const QByteArray& text)
+    {
+        while (!m_shown.contains(text)) {
+            if (!readSome()) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    void type(const QByteArray& text) const
+    {
+        EXPECT_EQ(write(m_master, text.constData(), static_cast<std::size_t>(text.size())),
+                  text.size());
+    }
+
+    /// Waits for the end. @return the exit status, −1 when it did not end by itself.
+    int finish()
+    {
+        while (readSome()) {
+        }
+        int status = 0;
+        EXPECT_EQ(waitpid(m_child, &status, 0), m_child);
+        m_child = -1;
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    [[nodiscard]] const QByteArray& shown() const { return m_shown; }
+
+private:
+    bool readSome()
+    {
+        pollfd waiting{m_master, POLLIN, 0};
+        if (poll(&waiting, 1, DeadlineMsec) <= 0) {
+            ADD_FAILURE() << "nothing comes: " << m_shown.constData();
+            return false;
+        }
+        std::array<char, 4096> buffer{};
+        const ssize_t size = read(m_master, buffer.data(), buffer.size());
+        if (size <= 0) {
+            return false;
+        }
+        m_shown.append(buffer.data(), size);
+        return true;
+    }
+
+    int m_master = -1;
+    pid_t m_child = -1;
+    QByteArray m_shown;
+};
+
+QByteArrayList words(const char* text)
+{
+    return QByteArray(text).split(' ');
+}
+
+class CompanionOnATerminal : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        m_bench.run(QStringLiteral("read 1"));
+        m_before = m_bench.eeprom(QStringLiteral("S1"));
+        m_list = m_bench.write(QStringLiteral("list.txt"), "1 2 1\n");
+    }
+
+    [[nodiscard]] QByteArrayList writeArguments() const
+    {
+        return {"write", "1", m_list.toLocal8Bit()};
+    }
+
+    [[nodiscard]] std::vector<BadpixelEntry> eeprom() const
+    {
+        return m_bench.eeprom(QStringLiteral("S1"));
+    }
+
+    CompanionBench m_bench{smallCamera()};
+    std::vector<BadpixelEntry> m_before;
+    QString m_list;
+};
+
+} // namespace
+
+TEST_F(CompanionOnATerminal, AsksBeforeItOverwrites)
+{
+    TerminalRun run(m_bench, writeArguments());
+    ASSERT_TRUE(run.waitFor(
+        "Replace the user list in the camera (3 entries) by the new one (1 entry)? [y/N] "));
+    EXPECT_EQ(eeprom(), m_before);
+    run.type("y\n");
+    EXPECT_EQ(run.finish(), 0) << run.shown().constData();
+    EXPECT_EQ(eeprom(), (std::vector<BadpixelEntry>{{1, 2, UserPixel}}));
+}
+
+TEST_F(CompanionOnATerminal, OverwritesNothingUnlessTheAnswerIsYes)
+{
+    TerminalRun run(m_bench, writeArguments());
+    ASSERT_TRUE(run.waitFor("[y/N] "));
+    run.type("\n");
+    EXPECT_EQ(run.finish(), 1);
+    EXPECT_TRUE(run.shown().contains("Nothing was written."));
+    EXPECT_EQ(eeprom(), m_before);
+    EXPECT_TRUE(m_bench.backups().isEmpty());
+}
+
+TEST_F(CompanionOnATerminal, TakesControlCForANo)
+{
+    TerminalRun run(m_bench, writeArguments());
+    ASSERT_TRUE(run.waitFor("[y/N] "));
+    run.type("\x03");
+    EXPECT_EQ(run.finish(), 1);
+    EXPECT_TRUE(run.shown().contains("Interrupted."));
+    EXPECT_EQ(eeprom(), m_before);
+    EXPECT_EQ(m_bench.run(QStringLiteral("read 1")).status, 0);
+}
+
+TEST_F(CompanionOnATerminal, AsksNothingWithYes)
+{
+    TerminalRun run(m_bench, writeArguments() << "--yes");
+    EXPECT_EQ(run.finish(), 0);
+    EXPECT_FALSE(run.shown().contains("[y/N]"));
+}
+
+TEST_F(CompanionOnATerminal, ShowsHowFarADetectionIs)
+{
+    const CompanionBench slow(smallCamera().replace("speed=40", "speed=2"));
+    TerminalRun run(slow, words("detect 1 --cover"));
+    EXPECT_TRUE(run.waitFor("Taking dark frames ["));
+    EXPECT_TRUE(run.waitFor("] 8/11"));
+    EXPECT_EQ(run.finish(), 0) << run.shown().constData();
+    // The bar goes when it is done.
+    EXPECT_TRUE(run.shown().contains("\r" + QByteArray(10, ' ')));
+}
+
+#endif
