@@ -69,10 +69,11 @@ DetectionRun::Step DetectionRun::addFrame(const QImage& image)
         stopCollecting();
         return Step::Ready;
     }
-    m_frames.append(deepCopy(image));
+    const QImage frame = deepCopy(image);
+    m_frames.append(frame);
     progress += ProgressStep;
     emit progressed(progress);
-    if (!isDark(m_frames.last())) {
+    if (!isDark(frame)) {
         cancel();
         return Step::NotDark;
     }

@@ -6,6 +6,7 @@
 #include <QVector>
 
 class BadpixelListModel;
+class HotpixelDetector;
 
 /// Collects dark frames, refuses those that are plainly not dark, and merges the hotpixels that
 /// a HotpixelDetector finds into a list. It needs no window; GUI thread.
@@ -85,7 +86,7 @@ signals:
 
 private:
     void stopCollecting();
-    void mergeHotpixels(class HotpixelDetector& detector);
+    void mergeHotpixels(HotpixelDetector& detector);
 
     BadpixelListModel& m_list;
     bool m_running = false;

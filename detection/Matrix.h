@@ -75,8 +75,8 @@ public:
     /// Number of elements.
     [[nodiscard]] std::size_t size() const { return std::size_t{m_sizeX} * m_sizeY; }
 
-    /// The elements from number @p first on in the order of iterate(): @p count, or as many as
-    /// there are. For passes over many elements at once, which compile to plain loops.
+    /// The elements from number @p first, 0 … size(), on in the order of iterate(): @p count, or as
+    /// many as there are. For passes over many elements at once, which compile to plain loops.
     [[nodiscard]] std::span<T> run(std::size_t first, std::size_t count)
     {
         const std::span<T> all(m_data.get(), size());

@@ -203,6 +203,15 @@ TEST_F(DetectionRunTest, CancelDropsTheFrames)
     EXPECT_EQ(m_progressed.last().first().toInt(), 10);
 }
 
+TEST_F(DetectionRunTest, MayBeCancelledByWhoIsToldTheProgress)
+{
+    QObject::connect(&m_run, &DetectionRun::progressed, &m_run, [this] { m_run.cancel(); });
+    m_run.start(false, 40);
+    m_run.addFrame(darkFrame());
+    EXPECT_FALSE(m_run.isRunning());
+    EXPECT_TRUE(m_run.frames().isEmpty());
+}
+
 TEST_F(DetectionRunDarkness, AcceptsExactly5000BrightBytes)
 {
     m_run.start(false, 40);
