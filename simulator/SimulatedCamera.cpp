@@ -1,9 +1,6 @@
 #include "simulator/SimulatedCamera.h"
 
 #include "camera/CameraSdk.h"
-#include "simulator/ModelledFrames.h"
-#include "simulator/PixelCorrection.h"
-#include "simulator/RecordedFrames.h"
 #include "simulator/SdkErrors.h"
 
 #include <QDir>

@@ -4,8 +4,6 @@
 #include "simulator/SimulatedCamera.h"
 
 #include <algorithm>
-#include <array>
-#include <cmath>
 #include <cstring>
 #include <new>
 #include <string>
@@ -17,7 +15,6 @@ namespace {
 
 constexpr CameraSdk::Handle SelectorNumber = 0x7fff;
 constexpr CameraSdk::Handle UploadFlag = camera::OpenWithFirmwareUpload & ~camera::OpenByDevice;
-constexpr std::int32_t HighestGain = 100;
 
 bool isCameraEvent(std::int32_t eventId)
 {
@@ -30,27 +27,10 @@ bool isDeviceEvent(std::int32_t eventId)
     return eventId == camera::EventDeviceRemoved || eventId == camera::EventDeviceNew;
 }
 
-bool isGain(std::int32_t gain)
-{
-    return gain == camera::KeepGain || (gain >= 0 && gain <= HighestGain);
-}
-
 void copyText(char (&field)[16], const QString& text)
 {
     const QByteArray bytes = text.toLatin1().left(sizeof field - 1);
     std::memcpy(field, bytes.constData(), static_cast<std::size_t>(bytes.size()));
-}
-
-std::int32_t giveRange(const SensorTiming::Range& range, double* minimum, double* maximum,
-                       double* step)
-{
-    if (minimum == nullptr || maximum == nullptr || step == nullptr) {
-        return simulator::NullPointer;
-    }
-    *minimum = range.minimum;
-    *maximum = range.maximum;
-    *step = range.step;
-    return Success;
 }
 
 } // namespace
@@ -124,13 +104,6 @@ std::int32_t SimulatedCameraSdk::startLiveVideo(Handle handle, std::int32_t wait
     }
     return withConnectedCamera(
         handle, [](SimulatedCamera& camera, SimulatedCamera::Lock&) { return camera.startLive(); });
-}
-
-std::int32_t SimulatedCameraSdk::setColorMode(Handle handle, std::int32_t mode)
-{
-    return withConnectedCamera(handle, [mode](SimulatedCamera& camera, SimulatedCamera::Lock&) {
-        return mode == camera::QueryCurrent ? camera.colorMode() : camera.setColorMode(mode);
-    });
 }
 
 std::int32_t SimulatedCameraSdk::getError(Handle handle, std::int32_t* code, char** text)
@@ -292,109 +265,6 @@ std::int32_t SimulatedCameraSdk::getFrameMemory(Handle handle, std::int32_t, std
     });
 }
 
-std::int32_t SimulatedCameraSdk::setPixelClock(Handle handle, std::int32_t value)
-{
-    return withConnectedCamera(
-        handle, [value](SimulatedCamera& camera, SimulatedCamera::Lock&) -> std::int32_t {
-            if (value == camera::QueryCurrent) {
-                return camera.timing.pixelClock();
-            }
-            if (value == camera::QueryDefault) {
-                return camera.timing.pixelClockDefault();
-            }
-            return camera.timing.setPixelClock(value) ? Success : simulator::InvalidParameter;
-        });
-}
-
-std::int32_t SimulatedCameraSdk::getSensorInfo(Handle handle, SensorInfo* info)
-{
-    if (info == nullptr) {
-        return simulator::NullPointer;
-    }
-    return withConnectedCamera(handle, [info](SimulatedCamera& camera, SimulatedCamera::Lock&) {
-        *info = {};
-        info->maxWidth = static_cast<std::uint32_t>(camera.description().width);
-        info->maxHeight = static_cast<std::uint32_t>(camera.description().height);
-        return Success;
-    });
-}
-
-std::int32_t SimulatedCameraSdk::setHardwareGain(Handle handle, std::int32_t master,
-                                                 std::int32_t red, std::int32_t green,
-                                                 std::int32_t blue)
-{
-    return withConnectedCamera(
-        handle, [=](SimulatedCamera& camera, SimulatedCamera::Lock&) -> std::int32_t {
-            if (master == camera::QueryCurrent) {
-                return camera.masterGain;
-            }
-            const std::array<std::pair<std::int32_t, int*>, 4> gains{{{master, &camera.masterGain},
-                                                                      {red, &camera.redGain},
-                                                                      {green, &camera.greenGain},
-                                                                      {blue, &camera.blueGain}}};
-            for (const auto& [value, gain] : gains) {
-                if (!isGain(value)) {
-                    return simulator::InvalidParameter;
-                }
-            }
-            for (const auto& [value, gain] : gains) {
-                if (value != camera::KeepGain) {
-                    *gain = value;
-                }
-            }
-            return Success;
-        });
-}
-
-std::int32_t SimulatedCameraSdk::getFramesPerSecond(Handle handle, double* framesPerSecond)
-{
-    if (framesPerSecond == nullptr) {
-        return simulator::NullPointer;
-    }
-    return withConnectedCamera(handle,
-                               [framesPerSecond](SimulatedCamera& camera, SimulatedCamera::Lock&) {
-                                   *framesPerSecond = 1.0 / camera.timing.frameTime();
-                                   return Success;
-                               });
-}
-
-std::int32_t SimulatedCameraSdk::setFrameRate(Handle handle, double framesPerSecond, double* actual)
-{
-    if (actual == nullptr) {
-        return simulator::NullPointer;
-    }
-    if (!std::isfinite(framesPerSecond) || framesPerSecond <= 0) {
-        return simulator::InvalidParameter;
-    }
-    return withConnectedCamera(handle, [=, this](SimulatedCamera& camera, SimulatedCamera::Lock&) {
-        camera.timing.setFrameRate(framesPerSecond);
-        m_changed.notify_all();
-        *actual = 1.0 / camera.timing.frameTime();
-        return Success;
-    });
-}
-
-std::int32_t SimulatedCameraSdk::setExposureTime(Handle handle, double milliseconds, double* actual)
-{
-    if (actual == nullptr) {
-        return simulator::NullPointer;
-    }
-    if (!std::isfinite(milliseconds) || milliseconds < 0) {
-        return simulator::InvalidParameter;
-    }
-    return withConnectedCamera(handle, [=](SimulatedCamera& camera, SimulatedCamera::Lock&) {
-        if (milliseconds == camera::QueryDefaultDouble) {
-            *actual = camera.timing.defaultExposure();
-            return Success;
-        }
-        if (milliseconds != camera::QueryCurrentDouble) {
-            camera.timing.setExposure(milliseconds);
-        }
-        *actual = camera.timing.exposure();
-        return Success;
-    });
-}
-
 SimulatedCamera* SimulatedCameraSdk::selectedCamera(Handle selector) const
 {
     const Handle number = selector & SelectorNumber;
@@ -451,35 +321,6 @@ std::int32_t SimulatedCameraSdk::getNumberOfCameras(std::int32_t* count)
         std::count_if(m_cameras.begin(), m_cameras.end(),
                       [](const auto& camera) { return camera->isPlugged(); }));
     return Success;
-}
-
-std::int32_t SimulatedCameraSdk::getFrameTimeRange(Handle handle, double* minimum, double* maximum,
-                                                   double* step)
-{
-    return withConnectedCamera(handle, [=](SimulatedCamera& camera, SimulatedCamera::Lock&) {
-        return giveRange(camera.timing.frameTimeRange(), minimum, maximum, step);
-    });
-}
-
-std::int32_t SimulatedCameraSdk::getExposureRange(Handle handle, double* minimum, double* maximum,
-                                                  double* step)
-{
-    return withConnectedCamera(handle, [=](SimulatedCamera& camera, SimulatedCamera::Lock&) {
-        return giveRange(camera.timing.exposureRange(), minimum, maximum, step);
-    });
-}
-
-std::int32_t SimulatedCameraSdk::getPixelClockRange(Handle handle, std::int32_t* minimum,
-                                                    std::int32_t* maximum)
-{
-    if (minimum == nullptr || maximum == nullptr) {
-        return simulator::NullPointer;
-    }
-    return withConnectedCamera(handle, [=](SimulatedCamera& camera, SimulatedCamera::Lock&) {
-        *minimum = camera.timing.pixelClockMin();
-        *maximum = camera.timing.pixelClockMax();
-        return Success;
-    });
 }
 
 std::int32_t SimulatedCameraSdk::getCameraList(CameraList* list)
