@@ -59,6 +59,7 @@ void waitOrTerminate(EventThread& waitedFor, EventThread& terminated)
 {
     if (!waitedFor.wait(StopMsec)) {
         terminated.terminate();
+        terminated.wait(StopMsec); // it can't be started again before it has ended
     }
 }
 

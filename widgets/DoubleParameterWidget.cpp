@@ -78,13 +78,16 @@ void DoubleParameterWidget::emitValueChanged()
 
 void DoubleParameterWidget::setParam(CameraParameter<double>& param)
 {
+    // A copy: a new range alone may move the spin box, and whoever hears of that may change the
+    // record behind the reference before its value was shown.
     m_param = param;
-    m_spinBox->setMinimum(param.min);
-    m_spinBox->setMaximum(param.max);
+    const CameraParameter<double> given = param;
+    m_spinBox->setMinimum(given.min);
+    m_spinBox->setMaximum(given.max);
     // Negative for every range, on purpose: the spin box refuses it and goes on in steps of 1.
-    m_spinBox->setSingleStep((param.min - param.max) / 100);
-    m_spinBox->setValue(param.value);
+    m_spinBox->setSingleStep((given.min - given.max) / 100);
+    m_spinBox->setValue(given.value);
     slider()->setMinimum(0);
-    slider()->setMaximum(truncated((param.max - param.min) / param.increment));
-    slider()->setValue(truncated((param.value - param.min) / param.increment));
+    slider()->setMaximum(truncated((given.max - given.min) / given.increment));
+    slider()->setValue(truncated((given.value - given.min) / given.increment));
 }

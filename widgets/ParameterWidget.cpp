@@ -38,11 +38,13 @@ void ParameterWidget::emitValueChanged()
 void ParameterWidget::setParam(CameraParameter<int>& param)
 {
     m_param = param;
-    m_spinBox->setMinimum(param.min);
-    m_spinBox->setMaximum(param.max);
-    m_spinBox->setSingleStep(param.increment);
-    m_spinBox->setValue(param.value);
-    slider()->setMinimum(param.min);
-    slider()->setMaximum(param.max);
-    slider()->setValue(param.value);
+    // A copy, as in DoubleParameterWidget::setParam().
+    const CameraParameter<int> given = param;
+    m_spinBox->setMinimum(given.min);
+    m_spinBox->setMaximum(given.max);
+    m_spinBox->setSingleStep(given.increment);
+    m_spinBox->setValue(given.value);
+    slider()->setMinimum(given.min);
+    slider()->setMaximum(given.max);
+    slider()->setValue(given.value);
 }
