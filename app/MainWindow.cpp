@@ -31,6 +31,7 @@ constexpr QLatin1String GeometryKey("geometry");
 constexpr QLatin1String StateKey("state");
 constexpr int PixelclassColumn = 2;
 constexpr int BadpixelColumnWidth = 40;
+constexpr int DockWidth = 310; // room for all columns of the camera list
 
 struct DockRow
 {
@@ -221,6 +222,7 @@ void MainWindow::createDocks()
     createMagnifierDock();
     createCameraSliderDock();
     tabifyDockWidget(dock(Dock::CameraList), dock(Dock::BadpixelList));
+    resizeDocks({dock(Dock::CameraList)}, {DockWidth}, Qt::Horizontal);
 }
 
 QDockWidget* MainWindow::buildDock(Dock which)

@@ -11,8 +11,8 @@ int main(int argc, char** argv)
 {
     const QApplication application(argc, argv);
     const std::unique_ptr<CameraSdk> sdk = createCameraSdk();
+    const std::unique_ptr<QObject> sdkWindow = createSdkWindow(*sdk);
     MainWindow window(*sdk);
     window.show();
-    const std::unique_ptr<QObject> sdkWindow = createSdkWindow(*sdk);
     return QApplication::exec();
 }
