@@ -509,18 +509,19 @@ TEST_F(CameraListSort, LeavesEqualRowsAsTheToolkitsSortDid)
     EXPECT_EQ(devices(), (QList<uint>{14, 13, 11, 12}));
 }
 
-TEST_F(CameraListSort, RefusesOtherColumnsAndOrdersAndLosesNothing)
+TEST_F(CameraListSort, RefusesOtherColumnsAndLosesNothing)
 {
     cameras = {{2, 12, 0}, {1, 11, 0}};
     model->updateList();
     signalled.clear();
-    const std::vector<std::pair<int, int>> refused = {{5, 0}, {-1, 0}, {5, 1}, {0, 2}, {1, 2}};
-    for (const auto& [column, order] : refused) {
-        try {
-            model->sort(column, static_cast<Qt::SortOrder>(order));
-            FAIL() << column << ' ' << order;
-        } catch (const std::runtime_error& error) {
-            EXPECT_STREQ(error.what(), "Sort Error");
+    for (const int column : {-1, 5, 1000}) {
+        for (const Qt::SortOrder order : {Qt::AscendingOrder, Qt::DescendingOrder}) {
+            try {
+                model->sort(column, order);
+                FAIL() << column << ' ' << order;
+            } catch (const std::runtime_error& error) {
+                EXPECT_STREQ(error.what(), "Sort Error");
+            }
         }
     }
     EXPECT_EQ(devices(), (QList<uint>{12, 11}));
