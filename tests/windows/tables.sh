@@ -24,12 +24,13 @@ exported_ordinals() {
 
 imports_the_29_ordinals_and_no_name() {
   import_rows "$1"
-  ! import_rows "$1" | grep -qvE '^[[:space:]]80000000' &&
+  [ -z "$(import_rows "$1" | grep -vE '^[[:space:]]80000000')" ] &&
     diff <(printf '%s\n' "$ordinals") <(imported_ordinals "$1")
 }
 
 exports_the_29_ordinals_and_no_name() {
-  x86_64-w64-mingw32-objdump -p "$1" | grep -qE 'Name Pointer/Ordinal\] Table[[:space:]]+0+$' &&
+  [ -n "$(x86_64-w64-mingw32-objdump -p "$1" |
+    grep -E 'Name Pointer/Ordinal\] Table[[:space:]]+0+$')" ] &&
     diff <(printf '%s\n' "$ordinals") <(exported_ordinals "$1")
 }
 
