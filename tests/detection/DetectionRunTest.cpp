@@ -335,6 +335,18 @@ TEST_F(DetectionRunEvaluation, NeitherAddsNorCountsWhatTheListHolds)
     EXPECT_EQ(m_failed.count(), 0);
 }
 
+TEST_F(DetectionRunEvaluation, DoesNotCountFactoryEntriesAgainstTheLimit)
+{
+    addEntry(1, 1, "factory");
+    addEntry(2, 2, "factory");
+    m_list.setFactoryCount(2);
+    m_list.setMaxUserEntries(2);
+    collect(darkFrame({{5, 2}}));
+    m_run.evaluate(RawBayer8);
+    EXPECT_EQ(m_failed.count(), 0);
+    EXPECT_EQ(positionsOf(m_list), (std::vector<QPoint>{{1, 1}, {2, 2}, {5, 2}}));
+}
+
 TEST_F(DetectionRunEvaluation, RunsAgainAfterwards)
 {
     collect(darkFrame({{5, 2}}));
