@@ -19,19 +19,32 @@ struct Switch
 {
     const char* objectName;
     const char* text;
-    bool (SimulatedCameraSdk::*state)(const QString&) const;
-    void (SimulatedCameraSdk::*set)(const QString&, bool);
+    bool (*state)(const SimulatedCameraSdk& sdk, const QString& serial);
+    void (*set)(SimulatedCameraSdk& sdk, const QString& serial, bool on);
 };
+
+template <auto Getter>
+bool stateOf(const SimulatedCameraSdk& sdk, const QString& serial)
+{
+    return (sdk.*Getter)(serial);
+}
+
+template <auto Setter>
+void setState(SimulatedCameraSdk& sdk, const QString& serial, bool on)
+{
+    (sdk.*Setter)(serial, on);
+}
 
 constexpr std::array<Switch, 4> Switches{{
     {"plugged", QT_TRANSLATE_NOOP("SimulatedCamerasWindow", "plugged"),
-     &SimulatedCameraSdk::isPlugged, &SimulatedCameraSdk::setPlugged},
+     &stateOf<&SimulatedCameraSdk::isPlugged>, &setState<&SimulatedCameraSdk::setPlugged>},
     {"cover", QT_TRANSLATE_NOOP("SimulatedCamerasWindow", "cover the sensor"),
-     &SimulatedCameraSdk::isCovered, &SimulatedCameraSdk::setCovered},
+     &stateOf<&SimulatedCameraSdk::isCovered>, &setState<&SimulatedCameraSdk::setCovered>},
     {"drop", QT_TRANSLATE_NOOP("SimulatedCamerasWindow", "drop frames"),
-     &SimulatedCameraSdk::dropsFrames, &SimulatedCameraSdk::setDropFrames},
+     &stateOf<&SimulatedCameraSdk::dropsFrames>, &setState<&SimulatedCameraSdk::setDropFrames>},
     {"held", QT_TRANSLATE_NOOP("SimulatedCamerasWindow", "held by another program"),
-     &SimulatedCameraSdk::isHeldElsewhere, &SimulatedCameraSdk::setHeldElsewhere},
+     &stateOf<&SimulatedCameraSdk::isHeldElsewhere>,
+     &setState<&SimulatedCameraSdk::setHeldElsewhere>},
 }};
 
 } // namespace
@@ -75,11 +88,11 @@ void SimulatedCamerasWindow::addCamera(QGridLayout* layout, int row, const QStri
         auto* box = new QCheckBox(tr(entry.text), this);
         box->setObjectName(QLatin1String(entry.objectName) + '_' + serial);
         box->setAccessibleName(tr("%1: %2").arg(serial, box->text()));
-        box->setChecked((m_sdk.*entry.state)(serial));
+        box->setChecked(entry.state(m_sdk, serial));
         connect(box, &QCheckBox::toggled, this,
-                [this, serial, set = entry.set](bool on) { (m_sdk.*set)(serial, on); });
+                [this, serial, &entry](bool on) { entry.set(m_sdk, serial, on); });
         m_refreshers.emplace_back(
-            [this, box, serial, state = entry.state] { box->setChecked((m_sdk.*state)(serial)); });
+            [this, box, serial, &entry] { box->setChecked(entry.state(m_sdk, serial)); });
         layout->addWidget(box, row, column++);
     }
 
