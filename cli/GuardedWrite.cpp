@@ -32,7 +32,7 @@ void GuardedWrite::check(std::span<const BadpixelEntry> entries)
 
 QString GuardedWrite::write()
 {
-    const QString backup =
+    QString backup =
         cli::saveBackup(m_backupFolder, m_serNo, QDateTime::currentDateTime(), m_oldEntries);
 
     const QString failure = writeAndCompare();
