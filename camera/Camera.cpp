@@ -303,7 +303,6 @@ void Camera::takeFrame()
         Q_EMIT displayError(QString::fromLatin1(errorText(result)), NoticeMsec);
         return;
     }
-    // The memory must not be const: a QImage over const memory copies it to get a colour table.
     m_image = QImage(reinterpret_cast<uchar*>(memory), imageWidth(), imageHeight(), m_imageFormat);
     if (m_imageFormat == QImage::Format_Indexed8) {
         m_image.setColorTable(greyTable());
