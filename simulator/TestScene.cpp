@@ -123,6 +123,7 @@ private:
 void drawBackground(SensorPainter& painter)
 {
     std::vector<int> across;
+    across.reserve(static_cast<std::size_t>(painter.width()));
     for (int x = 0; x < painter.width(); ++x) {
         across.push_back(50 + 40 * x / painter.width());
     }
