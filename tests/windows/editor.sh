@@ -44,8 +44,8 @@ windows_named() { xdotool search --onlyvisible --name "^$1\$" 2>/dev/null; }
 count_windows() { [ "$(windows_named "$1" | wc -l)" "$2" "$3" ]; }
 screenshot() { import -window root "$shots/$1.png"; }
 
-# The image area of the window, as a picture of its own.
-image_area() { import -window "$window" -crop 500x440+270+85 +repage "$1"; }
+# What the window shows right of its docks, without scroll bars, as a picture of its own.
+image_area() { import -window "$window" -crop 380x360+380+90 +repage "$1"; }
 colours() { image_area "$out/area.png" && identify -format '%k' "$out/area.png"; }
 shows_an_image() { [ "$(colours)" -gt 1 ]; }
 shows_a_scene() { [ "$(colours)" -gt 40 ]; }
@@ -56,11 +56,10 @@ image_moves() {
 }
 
 click() { xdotool mousemove --window "$window" "$1" "$2" click "${@:3}" 1; }
-file_menu() { xdotool key alt+f && sleep 0.5 && xdotool key "$1"; }
 
 # Repeats what a busy machine may have missed; each does nothing when it has been done.
 opens_row() { click 80 "$1" --repeat 2 --delay 100 && within 5 shows_an_image; }
-closes() { file_menu c && within 5 shows_no_image; }
+closes() { click 55 39 && within 5 shows_no_image; }
 
 starts() {
   # An earlier run has left its window layout.
@@ -69,8 +68,7 @@ starts() {
   editor=$!
   within 120 windows_named VornHotpixelEditor || { screenshot 1-not-started; return 1; }
   window=$(windows_named VornHotpixelEditor | head -n 1)
-  within 20 shows_no_image
-  screenshot 1-camera-list
+  within 60 shows_no_image && screenshot 1-camera-list
 }
 
 row_of_dark=116
@@ -118,11 +116,12 @@ writes() {
 }
 
 editor_has_ended() { ! kill -0 "$editor"; }
+# Escape closes a menu that an earlier try has left open.
+exits() { xdotool key Escape Escape alt+f x && within 10 editor_has_ended; }
 
 quits() {
   local status=0
-  file_menu x
-  within 30 editor_has_ended || return 1
+  within 60 exits || return 1
   wait "$editor" || status=$?
   editor=
   [ $status = 0 ]
