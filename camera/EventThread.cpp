@@ -3,6 +3,7 @@
 namespace {
 
 constexpr int WaitMsec = 500;
+constexpr unsigned long EndMsec = 2 * WaitMsec;
 
 } // namespace
 
@@ -19,6 +20,11 @@ EventThread::~EventThread()
 
 int EventThread::start(unsigned int handle, int eventId)
 {
+    if (!m_running && isRunning()) {
+        // On its way out: it would take up this start's flag and go on with its old event object,
+        // or release the event that is bound here.
+        wait(EndMsec);
+    }
     m_handle = handle;
     m_eventId = eventId;
     // Also for a thread that runs already, which will never wait for it: see the header.

@@ -31,7 +31,9 @@ public:
     /// Binds a new event object to an SDK event and runs the thread.
     ///
     /// A thread that runs already goes on waiting for the event object that it took when it began
-    /// to run; from then on it reports, and releases in the end, what it was started with last.
+    /// to run; from then on it reports, and releases in the end, what it was started with last. A
+    /// thread that was told to stop, or terminated, is waited for, so that it starts afresh; that
+    /// takes 500 ms at most unless the SDK does not let it go.
     /// @param handle the camera's handle, 0 for events that concern no particular camera
     /// @return 0, or the result of CameraSdk::enableEvent; the thread is then not run.
     int start(unsigned int handle, int eventId);

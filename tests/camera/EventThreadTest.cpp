@@ -131,6 +131,47 @@ TEST_F(EventThreadStart, RunsAThreadThatHasEndedAgain)
     EXPECT_TRUE(receivedSoon({2}));
 }
 
+// As a camera does that is closed and at once opened again.
+TEST_F(EventThreadStart, OfAThreadThatIsAboutToEndRunsItAfresh)
+{
+    rememberEvent();
+    EventThread thread(sdk);
+    receive(thread);
+    thread.start(7, 9);
+    const EventHandle first = event;
+    signalEventObject(first);
+    ASSERT_TRUE(receivedSoon({9})) << "the thread has taken its event object";
+    {
+        const InSequence sequence;
+        EXPECT_CALL(sdk, disableEvent(7, 9));
+        EXPECT_CALL(sdk, exitEvent(7, 9));
+        EXPECT_CALL(sdk, initEvent(8, _, 9)).WillOnce(DoAll(SaveArg<1>(&event), Return(0)));
+        EXPECT_CALL(sdk, enableEvent(8, 9));
+        EXPECT_CALL(sdk, disableEvent(8, 9));
+        EXPECT_CALL(sdk, exitEvent(8, 9));
+    }
+    thread.stop();
+    thread.start(8, 9);
+    ASSERT_NE(event, first);
+    signalEventObject(event);
+    EXPECT_TRUE(receivedSoon({9, 9}));
+    thread.stop();
+    EXPECT_TRUE(thread.wait(LongWait));
+}
+
+TEST_F(EventThreadStart, OfATerminatedThreadRunsItAfresh)
+{
+    rememberEvent();
+    EventThread thread(sdk);
+    receive(thread);
+    thread.start(7, 2);
+    thread.stop();
+    thread.terminate();
+    thread.start(8, 2);
+    signalEventObject(event);
+    EXPECT_TRUE(receivedSoon({2}));
+}
+
 class EventThreadLoop : public EventThreadFixture
 {};
 
