@@ -55,6 +55,16 @@ double relativeValue(int position, const CameraParameter<double>& parameter)
     return std::isnan(value) ? parameter.min : value; // 0 / 0, of a range that is a single value
 }
 
+// Tells what was read back from the camera. Its controls move then, and what they say because of
+// that is not the user's wish: with a new range alone, a control that stood outside of it would
+// otherwise set the camera.
+template <typename Telling>
+void tell(bool& setting, const Telling& telling)
+{
+    const QScopedValueRollback<bool> guard(setting, true);
+    telling();
+}
+
 void waitOrTerminate(EventThread& waitedFor, EventThread& terminated)
 {
     if (!waitedFor.wait(StopMsec)) {
@@ -141,7 +151,7 @@ void Camera::tryOpen(int cameraId)
     startLive();
 
     m_cameraId = static_cast<unsigned int>(cameraId);
-    Q_EMIT cameraOpened(this);
+    emit cameraOpened(this);
 
     m_pixelclock.value = m_sdk.setPixelClock(m_handle, camera::QueryDefault);
     check(m_sdk.getFramesPerSecond(m_handle, &m_framerate.value));
@@ -160,7 +170,7 @@ CameraSdk::Handle Camera::initCamera(int cameraId)
     if (result == camera::FirmwareUploadNeeded) {
         std::int32_t uploadMsec = DefaultUploadMsec;
         m_sdk.getFirmwareUploadTime(handle, 1, &uploadMsec);
-        Q_EMIT displayError(
+        emit displayError(
             tr("Upload of new firmware required. (approx. %1 seconds)").arg(uploadMsec / 1000),
             NoticeMsec);
         handle = device | camera::OpenWithFirmwareUpload;
@@ -176,9 +186,9 @@ void Camera::loadSettings()
 {
     const std::int32_t result = m_sdk.loadParameters(m_handle, SettingsFile);
     if (result == camera::FileNotOpened) {
-        Q_EMIT displayError(tr("Can't open ini file."), NoticeMsec);
+        emit displayError(tr("Can't open ini file."), NoticeMsec);
     } else if (result != 0) {
-        Q_EMIT displayError(QString::fromLatin1(errorText(result)), NoticeMsec);
+        emit displayError(QString::fromLatin1(errorText(result)), NoticeMsec);
     }
 }
 
@@ -220,8 +230,8 @@ void Camera::close()
     m_handle = 0;
     m_sequence.clear();
     m_image = QImage();
-    Q_EMIT newImage(m_image);
-    Q_EMIT cameraClosed();
+    emit newImage(m_image);
+    emit cameraClosed();
 }
 
 void Camera::startLive()
@@ -272,26 +282,26 @@ void Camera::eventReceived(int event)
             break;
         case camera::EventReconnected:
             if (isOpen()) {
-                Q_EMIT cameraReconnect();
+                emit cameraReconnect();
             }
             break;
         case camera::EventRemoved:
             if (isOpen()) {
-                Q_EMIT cameraRemoved();
+                emit cameraRemoved();
             }
             break;
         case camera::EventDeviceRemoved:
-            Q_EMIT cameraRemovedDevice();
+            emit cameraRemovedDevice();
             break;
         case camera::EventDeviceNew:
-            Q_EMIT cameraNewDevice();
+            emit cameraNewDevice();
             break;
         default:
             break;
         }
     } catch (const std::exception& error) {
         // An exception that a receiver lets out would end the program in the event loop.
-        Q_EMIT displayError(QString::fromUtf8(error.what()), NoticeMsec);
+        emit displayError(QString::fromUtf8(error.what()), NoticeMsec);
     }
 }
 
@@ -300,7 +310,7 @@ void Camera::takeFrame()
     ++m_frameCount;
     char* memory = nullptr;
     if (const int result = m_sdk.getFrameMemory(m_handle, 0, 0, &memory); result != 0) {
-        Q_EMIT displayError(QString::fromLatin1(errorText(result)), NoticeMsec);
+        emit displayError(QString::fromLatin1(errorText(result)), NoticeMsec);
         return;
     }
     m_image = QImage(reinterpret_cast<uchar*>(memory), imageWidth(), imageHeight(), m_imageFormat);
@@ -309,7 +319,7 @@ void Camera::takeFrame()
     }
     if (s_newImageAllowed) {
         const QScopedValueRollback<bool> guard(s_newImageAllowed, false);
-        Q_EMIT newImage(m_image);
+        emit newImage(m_image);
     }
 }
 
@@ -327,7 +337,7 @@ void Camera::applyPixelclock(int value)
     const int allowed = clamped(value, m_pixelclock);
     if (allowed != m_pixelclock.value) {
         m_pixelclock.value = allowed;
-        Q_EMIT pixelclockChanged(m_pixelclock);
+        emit pixelclockChanged(m_pixelclock);
     }
     m_sdk.setPixelClock(m_handle, m_pixelclock.value);
     updateFramerate();
@@ -348,7 +358,7 @@ void Camera::setFramerate(double value)
     if (allowed != m_framerate.value) {
         m_framerate.value = allowed;
         m_sdk.setFrameRate(m_handle, allowed, &m_framerate.value);
-        Q_EMIT framerateChanged(m_framerate);
+        emit framerateChanged(m_framerate);
     }
     updateExposure();
 }
@@ -367,7 +377,7 @@ void Camera::setExposure(double value)
     const double allowed = clamped(value, m_exposure);
     if (allowed != m_exposure.value) {
         m_exposure.value = allowed;
-        Q_EMIT exposureChanged(m_exposure);
+        emit exposureChanged(m_exposure);
     }
     m_sdk.setExposureTime(m_handle, m_exposure.value, &m_exposure.value);
 }
@@ -386,7 +396,7 @@ void Camera::setMastergain(int value)
     const int allowed = clamped(value, m_mastergain);
     if (allowed != m_mastergain.value) {
         m_mastergain.value = allowed;
-        Q_EMIT mastergainChanged(m_mastergain);
+        emit mastergainChanged(m_mastergain);
     }
     m_sdk.setHardwareGain(m_handle, allowed, camera::KeepGain, camera::KeepGain, camera::KeepGain);
 }
@@ -400,7 +410,7 @@ void Camera::updatePixelclock()
     m_pixelclock.increment = 1;
     check(m_sdk.setPixelClock(m_handle, m_pixelclock.value));
     m_pixelclock.value = m_sdk.setPixelClock(m_handle, camera::QueryCurrent);
-    Q_EMIT pixelclockChanged(m_pixelclock);
+    tell(s_settingPixelclock, [this] { emit pixelclockChanged(m_pixelclock); });
     updateFramerate();
 }
 
@@ -415,7 +425,7 @@ void Camera::updateFramerate()
     m_framerate.max = std::min(1.0 / minTime, MaxFramesPerSecond);
     m_framerate.increment = (m_framerate.max - m_framerate.min) / ((maxTime - minTime) / timeStep);
     m_sdk.setFrameRate(m_handle, m_framerate.value, &m_framerate.value);
-    Q_EMIT framerateChanged(m_framerate);
+    tell(s_settingFramerate, [this] { emit framerateChanged(m_framerate); });
     updateExposure();
 }
 
@@ -425,7 +435,7 @@ void Camera::updateExposure()
     double currentExposureMsec = 0.0; // asked for as the camera is used to, and not needed
     m_sdk.setExposureTime(m_handle, camera::QueryCurrentDouble, &currentExposureMsec);
     m_sdk.setExposureTime(m_handle, m_exposure.value, &m_exposure.value);
-    Q_EMIT exposureChanged(m_exposure);
+    tell(s_settingExposure, [this] { emit exposureChanged(m_exposure); });
 }
 
 void Camera::updateMastergain()
@@ -434,7 +444,7 @@ void Camera::updateMastergain()
                                                camera::KeepGain, camera::KeepGain);
     m_mastergain.min = 0;
     m_mastergain.max = 100;
-    Q_EMIT mastergainChanged(m_mastergain);
+    tell(s_settingMastergain, [this] { emit mastergainChanged(m_mastergain); });
 }
 
 void Camera::setAutoConfig()

@@ -89,7 +89,7 @@ public:
     [[nodiscard]] const CameraParameter<double>& exposure() const { return m_exposure; }   ///< ms
     [[nodiscard]] const CameraParameter<int>& mastergain() const { return m_mastergain; }
 
-Q_SIGNALS:
+signals:
     /// A new frame, or a null image when the camera was closed.
     ///
     /// @p image lies over the SDK's buffer: nothing is copied, and a receiver's copy of the QImage
@@ -112,10 +112,10 @@ Q_SIGNALS:
     void exposureChanged(CameraParameter<double>& param);
     void mastergainChanged(CameraParameter<int>& param);
 
-public Q_SLOTS:
+public slots:
     // Each of the four absolute setters limits the value to the parameter's range. A call that
-    // arrives while the same setter runs does nothing, so that a widget may feed back what it is
-    // told.
+    // arrives while the same setter runs, or while an update slot tells the parameter, does
+    // nothing, so that a widget may feed back what it is told.
     void setPixelclock(int value);         ///< MHz
     void setPixelclockRelative(int value); ///< a slider position
     void setFramerate(double value);       ///< frames per second
@@ -137,7 +137,7 @@ public Q_SLOTS:
     /// that this allows, and a master gain of 50.
     void setAutoConfig();
 
-protected Q_SLOTS:
+protected slots:
     /// One event of the SDK. Lets no exception through to the event loop.
     void eventReceived(int event);
 

@@ -161,7 +161,7 @@ void CameraListModel::sort(int column, Qt::SortOrder order)
                        [column, order](const CameraItem& a, const CameraItem& b) {
                            return comesBefore(a, b, column, order);
                        });
-    Q_EMIT layoutChanged();
+    emit layoutChanged();
 }
 
 void CameraListModel::updateList()
@@ -173,9 +173,9 @@ void CameraListModel::updateList()
         // Nothing to say: this comes once a second, and the next time may well go better.
     }
     if (changed) {
-        Q_EMIT somethingChanged();
+        emit somethingChanged();
     }
-    Q_EMIT rowToSelect(0);
+    emit rowToSelect(0);
 }
 
 void CameraListModel::refreshRows(bool& changed)
@@ -212,7 +212,7 @@ void CameraListModel::refreshRows(bool& changed)
         }
         if (m_rows.at(row) != *camera) {
             m_rows[row] = *camera;
-            Q_EMIT dataChanged(index(row, 0), index(row, columnCount() - 1));
+            emit dataChanged(index(row, 0), index(row, columnCount() - 1));
             changed = true;
         }
         cameras.erase(camera);

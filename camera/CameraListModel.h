@@ -45,13 +45,13 @@ public:
     /// The camera in @p row, or the empty CameraItem for a row outside the list.
     [[nodiscard]] CameraItem item(int row) const;
 
-Q_SIGNALS:
+signals:
     /// A refresh changed rows.
     void somethingChanged();
     /// After every refresh, with row 0.
     void rowToSelect(int row);
 
-public Q_SLOTS:
+public slots:
     /// Remembers which camera this program has open; the rows show it at the next refresh.
     void setOpenCamera(Camera* cam);
     void clearOpenCamera();

@@ -49,7 +49,7 @@ void EventThread::run()
     const EventHandle event = m_event;
     while (m_running) {
         if (waitTerminably(event)) {
-            Q_EMIT eventhappen(m_eventId);
+            emit eventhappen(m_eventId);
         }
     }
     m_running = false;

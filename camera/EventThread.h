@@ -42,7 +42,7 @@ public:
     /// releases the SDK event.
     void stop();
 
-Q_SIGNALS:
+signals:
     /// The SDK signalled the event. Emitted in the event thread.
     void eventhappen(int event);
 
