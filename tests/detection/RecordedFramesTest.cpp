@@ -1,5 +1,6 @@
 #include "detection/HotpixelDetector.h"
 #include "hotpixel/BadpixelListModel.h"
+#include "tests/support/SharedData.h"
 
 #include <QCryptographicHash>
 #include <QFile>
@@ -13,7 +14,7 @@
 
 namespace {
 
-const QString Folder = QStringLiteral(VORN_SHARED_DATA "/darkframes/colour_cmos_1280x960/");
+const QString Folder = sharedData("darkframes/colour_cmos_1280x960/");
 
 /// The recorded dark frames; fewer than ten when some can't be read.
 QVector<QImage> recordedFrames()

@@ -1,5 +1,7 @@
 #include "simulator/RecordedFrames.h"
 
+#include "tests/support/SharedData.h"
+
 #include <QDir>
 #include <QImage>
 #include <QTemporaryDir>
@@ -120,7 +122,7 @@ TEST(RecordedFrames, WhatIsWrongWithAFileIsSaid)
 
 TEST(RecordedFrames, ARealSensorsFramesKeepEveryGreyValue)
 {
-    const QString folder = QStringLiteral(VORN_SHARED_DATA "/darkframes/colour_cmos_1280x960");
+    const QString folder = sharedData("darkframes/colour_cmos_1280x960");
     if (!QDir(folder).exists()) {
         GTEST_SKIP() << "no recorded dark frames here";
     }

@@ -1,5 +1,7 @@
 #include "support/QuickSort.h"
 
+#include "tests/support/SharedData.h"
+
 #include <QFile>
 #include <QList>
 #include <QTextStream>
@@ -158,7 +160,7 @@ TEST(QuickSort, SortsSmallListsAsWorkedOutByHand)
 
 TEST(QuickSort, SortsTheListsTakenFromTheOldToolkitAsItDid)
 {
-    QFile file(QStringLiteral(VORN_SHARED_DATA "/toolkit_sort.txt"));
+    QFile file(sharedData("toolkit_sort.txt"));
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
         GTEST_SKIP() << "no recorded lists at " << qPrintable(file.fileName());
     }

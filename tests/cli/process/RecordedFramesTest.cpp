@@ -1,4 +1,5 @@
 #include "tests/cli/process/CompanionBench.h"
+#include "tests/support/SharedData.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -9,7 +10,7 @@
 
 namespace {
 
-const QString Folder = QStringLiteral(VORN_SHARED_DATA "/darkframes/colour_cmos_1280x960");
+const QString Folder = sharedData("darkframes/colour_cmos_1280x960");
 
 /// One camera per threshold, so that the detections can run side by side.
 QByteArray camerasFor(const QStringList& thresholds, const QByteArray& sensor)

@@ -1,0 +1,6 @@
+#include "tests/support/SharedData.h"
+
+QString sharedData(const char* name)
+{
+    return QStringLiteral(VORN_SHARED_DATA "/") + QLatin1String(name);
+}
