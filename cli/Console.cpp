@@ -103,7 +103,7 @@ bool Console::flush()
 
 void Console::write(std::FILE* stream, const QString& text)
 {
-    const QByteArray bytes = text.toLocal8Bit();
+    const QByteArray bytes = text.toUtf8();
     const auto size = static_cast<std::size_t>(bytes.size());
     if (std::fwrite(bytes.constData(), 1, size, stream) != size && stream == m_out) {
         m_failed = true;

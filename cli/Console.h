@@ -8,7 +8,8 @@
 class Interruption;
 
 /// Where a command talks: results to standard output, notices, errors and the progress line to
-/// standard error, questions to the terminal. Any thread; a line is never torn by another.
+/// standard error, questions to the terminal, all in UTF-8. Any thread; a line is never torn by
+/// another.
 class Console
 {
 public:

@@ -33,6 +33,9 @@ detects_and_writes() {
     diff <(user_list "$eeproms/5100000001.eeprom") <(printf '%s\n' "$hot_pixels")
 }
 
+# The scene is not dark, so the command itself fails.
+speaks_utf8() { { companion detect 2 || true; } | grep -F "1280 × 960 pixels"; }
+
 reads_back() {
   companion read 5100000001 --out "$(wine_path "$cameras/read.txt")" &&
     cmp "$cameras/read.txt" <(expected_list)
@@ -49,6 +52,7 @@ check_companion() {
   expect "it finds the ten hotpixels, saves them and writes them into the EEPROM" detects_and_writes
   expect "it reads them back in a process of its own" reads_back
   expect "it writes a list file into the EEPROM" writes_a_list_file
+  expect "it writes its text in UTF-8" speaks_utf8
   expect "it refuses a scene that is not dark" \
     fails_with 1 "completely obscured" companion detect 2
   expect "it refuses a camera that another program holds" \
