@@ -22,5 +22,5 @@ wine_path() { printf 'Z:%s' "$(realpath -m "$1")"; }
 wine_stop() {
   local server
   server=$(command -v wineserver || printf /usr/lib/wine/wineserver)
-  "$server" -k >/dev/null 2>&1 || true
+  { "$server" -k && "$server" -w; } >/dev/null 2>&1 || true
 }

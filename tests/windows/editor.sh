@@ -74,7 +74,7 @@ starts() {
 row_of_dark=116
 row_of_scene=139
 
-# The first opening leaves a camera at its shortest exposure; at the second one there is light.
+# Opened twice, since only the second opening meets panels that have a range already.
 shows_live_frames() {
   within 60 opens_row $row_of_scene && within 60 closes && within 60 opens_row $row_of_scene &&
     within 60 shows_a_scene && within 60 image_moves || { screenshot 2-live-failed; return 1; }
@@ -138,6 +138,8 @@ check_editor() {
   shots=$out/screenshots
   rm -rf "$shots"
   mkdir -p "$shots"
+  # A Wine that has begun without a display stays without.
+  wine_stop
   if ! start_display; then
     expect "a display for the editor" false
     return
