@@ -81,7 +81,7 @@ constexpr int ShortMsec = 1800;
 /// where nothing in particular is said.
 QString expectedMessage(Operation operation, Step step, int nth, bool garbage)
 {
-    const QString unknown = QStringLiteral("Unknown error.");
+    QString unknown = QStringLiteral("Unknown error.");
     if (operation == Operation::GetFrameMemory) {
         return unknown;
     }

@@ -20,7 +20,7 @@
 
 namespace {
 
-constexpr int ProcessesPerCore = 3;
+constexpr std::size_t ProcessesPerCore = 3;
 
 QString textOf(const SdkFault& fault)
 {
@@ -172,7 +172,7 @@ int runAll(int argc, char** argv)
 
     // Few sessions in each process, so that no process keeps all others waiting in the end.
     constexpr qsizetype FaultsPerProcess = 8;
-    const auto most = static_cast<std::size_t>(ProcessesPerCore * QThread::idealThreadCount());
+    const auto most = ProcessesPerCore * static_cast<std::size_t>(QThread::idealThreadCount());
     std::vector<std::unique_ptr<QProcess>> running;
     qsizetype next = 0;
     while (next < chosen.size() || !running.empty()) {
@@ -194,6 +194,9 @@ int runAll(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
     const bool isSession = argc > 1 && QByteArray(argv[1]) == "--sessions";
     return isSession ? runSessions(argc, argv) : runAll(argc, argv);
 }

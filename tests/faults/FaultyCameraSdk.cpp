@@ -1,6 +1,6 @@
 #include "tests/faults/FaultyCameraSdk.h"
 
-#include <cmath>
+#include <bit>
 #include <cstring>
 #include <limits>
 
@@ -21,7 +21,7 @@ constexpr std::int32_t GarbageNumber = -1515870811; // 0xA5A5A5A5
 // A pointer that nobody may follow after a failure; its address has no mapping.
 char* garbagePointer()
 {
-    return reinterpret_cast<char*>(std::uintptr_t{0xA5A5A5A5A5});
+    return std::bit_cast<char*>(std::uintptr_t{0xA5A5A5A5A5});
 }
 
 } // namespace

@@ -145,6 +145,9 @@ int killWriters(int kills, unsigned seed)
 
 int main(int argc, char** argv)
 {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
     const QByteArray first = argc > 1 ? argv[1] : "";
     if (first == "--lists") {
         const QCoreApplication application(argc, argv);

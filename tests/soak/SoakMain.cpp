@@ -45,6 +45,9 @@ bool soak::hasNotGrown(const Footprint& before, const Footprint& after, int even
 /// Usage: vorn_soak restless|calm CYCLES [SEED]
 int main(int argc, char** argv)
 {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
     const QTemporaryDir home;
     for (const char* variable : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"}) {
         qputenv(variable, home.path().toLocal8Bit());
