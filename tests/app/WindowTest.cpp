@@ -50,7 +50,7 @@ void WindowTest::close()
 
 void WindowTest::sendFrame(int grey, const QList<QPoint>& bright, int brightValue)
 {
-    QByteArray frame(ScriptedSdk::Width * ScriptedSdk::Height, static_cast<char>(grey));
+    QByteArray frame(qsizetype{ScriptedSdk::Width} * ScriptedSdk::Height, static_cast<char>(grey));
     for (const QPoint& position : bright) {
         frame[position.x() + ScriptedSdk::Width * position.y()] = static_cast<char>(brightValue);
     }
@@ -195,10 +195,10 @@ ShownBox pressInBox(QWidget* modal, QMessageBox::StandardButton button)
         modal->close();
         return {};
     }
-    const ShownBox shown{box->windowTitle(),       box->text(),
-                         box->informativeText(),   box->icon(),
-                         box->standardButtons(),   box->windowFlags(),
-                         box->parent() != nullptr, !box->iconPixmap().isNull()};
+    ShownBox shown{box->windowTitle(),       box->text(),
+                   box->informativeText(),   box->icon(),
+                   box->standardButtons(),   box->windowFlags(),
+                   box->parent() != nullptr, !box->iconPixmap().isNull()};
     box->button(button)->click();
     return shown;
 }
