@@ -40,13 +40,10 @@ SimulatedCamera::SimulatedCamera(CameraDescription description, const QString& e
     , m_model(description)
     , m_eepromFile(fileOf(eepromFolder, description.serial, ".eeprom"))
     , m_speed(speed)
-    , m_lockFile(fileOf(eepromFolder, description.serial, ".lock"))
+    , m_lock(fileOf(eepromFolder, description.serial, ".lock"))
     , m_plugged(description.plugged)
     , m_colorMode(description.colorMode)
-{
-    // A lock is stale when its program has ended, never because it is old.
-    m_lockFile.setStaleLockTime(0);
-}
+{}
 
 SimulatedCamera::~SimulatedCamera() = default;
 
@@ -62,14 +59,12 @@ bool SimulatedCamera::isUsed()
     if (isOpen() || m_opening || heldElsewhere) {
         return true;
     }
-    if (!QFileInfo::exists(m_lockFile.fileName())) {
+    if (!QFileInfo::exists(m_lock.fileName())) {
         return false;
     }
-    if (m_lockFile.tryLock(0)) {
-        m_lockFile.unlock();
-        return false;
-    }
-    return m_lockFile.error() == QLockFile::LockFailedError;
+    const ProcessLock::Result result = m_lock.tryLock(0);
+    m_lock.unlock();
+    return result == ProcessLock::Result::Held;
 }
 
 bool SimulatedCamera::needsFirmware() const
@@ -99,8 +94,8 @@ bool SimulatedCamera::takeLock()
 {
     // Another program's look at the camera list holds the lock for a moment.
     constexpr int PatienceMsec = 150;
-    QDir().mkpath(QFileInfo(m_lockFile.fileName()).absolutePath());
-    return m_lockFile.tryLock(PatienceMsec) || m_lockFile.error() != QLockFile::LockFailedError;
+    QDir().mkpath(QFileInfo(m_lock.fileName()).absolutePath());
+    return m_lock.tryLock(PatienceMsec) != ProcessLock::Result::Held;
 }
 
 std::int32_t SimulatedCamera::open(std::uint32_t handle, bool uploadAllowed, Lock& lock)
@@ -116,7 +111,7 @@ std::int32_t SimulatedCamera::open(std::uint32_t handle, bool uploadAllowed, Loc
         const std::int32_t result =
             uploadAllowed ? uploadFirmware(lock) : camera::FirmwareUploadNeeded;
         if (result != simulator::Success) {
-            m_lockFile.unlock();
+            m_lock.unlock();
             return result;
         }
     }
@@ -139,7 +134,7 @@ void SimulatedCamera::close(Lock& lock)
     m_recordedFrames.reset();
     m_rawFrame = {};
     m_handle = 0;
-    m_lockFile.unlock();
+    m_lock.unlock();
     m_changed.notify_all();
 }
 

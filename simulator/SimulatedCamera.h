@@ -4,11 +4,11 @@
 #include "simulator/EepromFile.h"
 #include "simulator/EventBindings.h"
 #include "simulator/FrameRing.h"
+#include "simulator/ProcessLock.h"
 #include "simulator/SensorFrameSource.h"
 #include "simulator/SensorModel.h"
 #include "simulator/SensorTiming.h"
 
-#include <QLockFile>
 #include <QString>
 
 #include <chrono>
@@ -120,7 +120,7 @@ private:
     const SensorModel m_model;
     const EepromFile m_eepromFile;
     const double m_speed;
-    QLockFile m_lockFile;
+    ProcessLock m_lock;
     bool m_plugged;
     bool m_opening = false;
 

@@ -192,11 +192,8 @@ TEST(SimulatedCameraOpening, IgnoresTheLockOfAProgramThatWasKilled)
     {
         const OpenedCamera opened(*bench.sdk); // makes the folder
     }
-    QFile lock(bench.bus.eepromFolder + QStringLiteral("/M1.lock"));
-    ASSERT_TRUE(lock.open(QIODevice::WriteOnly));
-    // What the toolkit's lock file holds: process, program, host; no process has this number.
-    lock.write("2147483646\nkilled\n" + QSysInfo::machineHostName().toLocal8Bit() + '\n');
-    lock.close();
+    // A killed program leaves the file, and nobody who holds it.
+    ASSERT_TRUE(QFile::exists(bench.bus.eepromFolder + QStringLiteral("/M1.lock")));
     EXPECT_EQ(listedCameras(*bench.sdk, 2)[0].status, 0U);
     const OpenedCamera opened(*bench.sdk);
     EXPECT_EQ(bench.sdk->openCameras(), 1);
