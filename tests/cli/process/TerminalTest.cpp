@@ -199,7 +199,7 @@ TEST_F(CompanionOnATerminal, ShowsHowFarADetectionIs)
     const CompanionBench slow(smallCamera().replace("speed=40", "speed=2"));
     TerminalRun run(slow, words("detect 1 --cover"));
     EXPECT_TRUE(run.waitFor("Taking dark frames ["));
-    EXPECT_TRUE(run.waitFor("] 8/11"));
+    EXPECT_TRUE(run.waitFor("/11"));
     EXPECT_EQ(run.finish(), 0) << run.shown().constData();
     // The bar goes when it is done.
     EXPECT_TRUE(run.shown().contains("\r" + QByteArray(10, ' ')));
