@@ -220,7 +220,7 @@ void Camera::close()
     m_removedThread.stop();
     waitOrTerminate(m_frameThread, m_frameThread);
     // Deliberately the frame thread: the reconnect thread may take its time, and is waited for when
-    // it is destroyed. Terminated, it would leave its event bound at the SDK.
+    // it is started again or destroyed. Terminated, it would leave its event bound at the SDK.
     waitOrTerminate(m_reconnectThread, m_frameThread);
     waitOrTerminate(m_removedThread, m_removedThread);
 

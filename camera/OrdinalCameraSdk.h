@@ -5,7 +5,7 @@
 /// The camera maker's library "Vorn_api_64.dll", bound by ordinal when the program loads: each
 /// operation is one call of the function with its number, nothing is kept, checked or changed.
 /// Where the library or one of the 29 ordinals is missing, Windows does not start the program.
-/// Windows x64 only.
+/// Windows x64 only. Called on the threads that CameraSdk names.
 class OrdinalCameraSdk final : public CameraSdk
 {
 public:

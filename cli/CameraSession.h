@@ -9,7 +9,7 @@
 struct CommandContext;
 
 /// A camera that is open for as long as the object lives. What it has to say that stops nothing
-/// becomes a notice.
+/// becomes a notice. Main thread.
 class CameraSession
 {
     Q_DECLARE_TR_FUNCTIONS(CameraSession)

@@ -13,6 +13,7 @@
 ///
 /// Whatever fails, the camera holds the old list or the new one as far as it still answers, and
 /// once it may hold the new one, the backup file holds the old one. First check(), then write().
+/// Main thread.
 class GuardedWrite
 {
     Q_DECLARE_TR_FUNCTIONS(GuardedWrite)

@@ -10,6 +10,7 @@ class CameraSession;
 struct CommandContext;
 
 /// Drives a DetectionRun over the live images of an open camera, and ends it when no images come.
+/// Main thread.
 class LiveDetection
 {
     Q_DECLARE_TR_FUNCTIONS(LiveDetection)

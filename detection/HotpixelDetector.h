@@ -3,7 +3,7 @@
 #include "detection/BadpixelDetector.h"
 
 /// Finds the pixels whose mean over the dark frames lies more than a threshold above the mean of
-/// all pixels of their plane.
+/// all pixels of their plane. Used on the thread that the list it fills belongs to.
 class HotpixelDetector : public BadpixelDetector
 {
 public:

@@ -12,7 +12,7 @@
 ///
 /// No deviate is drawn while a frame is made. Each row reads the noise field from a place that
 /// frame and row number scramble; for a covered sensor, whose ordinary pixels are all alike, the
-/// field is turned into grey values once and rows are copied from it.
+/// field is turned into grey values once and rows are copied from it. One thread at a time.
 class ModelledFrames final : public SensorFrameSource
 {
 public:

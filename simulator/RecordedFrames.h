@@ -8,7 +8,7 @@
 #include <vector>
 
 /// Recorded frames of a real sensor, played in the order of their file names, around and around,
-/// each with exactly its grey values.
+/// each with exactly its grey values. One thread at a time.
 class RecordedFrames final : public SensorFrameSource
 {
 public:

@@ -10,6 +10,7 @@ class QDoubleSpinBox;
 ///
 /// Every change of the spin box is reported at once, snapped to the slider's grid where that moves
 /// the slider. Dragging the slider takes the spin box along and reports once, on release.
+/// GUI thread.
 class DoubleParameterWidget : public BaseParameterWidget
 {
     Q_OBJECT

@@ -8,7 +8,7 @@ class QSpinBox;
 /// Shows and edits an integer property; the slider runs in the property's own units.
 ///
 /// Every change of the spin box is reported at once. Dragging the slider takes the spin box along
-/// and reports once, on release.
+/// and reports once, on release. GUI thread.
 class ParameterWidget : public BaseParameterWidget
 {
     Q_OBJECT
