@@ -1,4 +1,4 @@
-# The three kinds of target that the project has. Everything a folder's CMakeLists.txt does not say
+# The four kinds of target that the project has. Everything a folder's CMakeLists.txt does not say
 # about its target is said here, once.
 
 get_filename_component(VORN_ROOT "${CMAKE_CURRENT_LIST_DIR}/.." ABSOLUTE)
@@ -120,4 +120,13 @@ function(vorn_test name)
   endif()
   gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
                        PROPERTIES ${properties})
+endfunction()
+
+# vorn_fuzzer(NAME SOURCES file... LINK target...)
+#
+# A libFuzzer program, for which everything is compiled by clang as the preset "fuzz" says.
+function(vorn_fuzzer name)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINK")
+  vorn_executable(${name} SOURCES ${arg_SOURCES} LINK ${arg_LINK})
+  target_link_options(${name} PRIVATE -fsanitize=fuzzer)
 endfunction()
