@@ -1,5 +1,6 @@
 #include "app/MainWindow.h"
 
+#include "app/RowHeader.h"
 #include "camera/Camera.h"
 #include "res/Resources.h"
 #include "ui_MainWindow.h"
@@ -80,6 +81,7 @@ QTableView* makeListView(const char* objectName, QAbstractItemModel& model,
 {
     auto* const view = new QTableView(parent);
     view->setObjectName(QLatin1String(objectName));
+    view->setVerticalHeader(new RowHeader(view));
     // Before the model is there: switching sorting on would sort it at once.
     view->setSortingEnabled(true);
     view->setModel(&model);
