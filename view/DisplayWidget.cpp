@@ -177,10 +177,21 @@ void DisplayWidget::drawMarks(QImage& picture) const
 
     painter.setRenderHint(QPainter::Antialiasing);
     const int rows = m_model->rowCount();
+    // A list file may hold millions of entries, most of them outside of the image.
+    constexpr int PenReach = 1;
+    const QRect reached = picture.rect().adjusted(-PenReach, -PenReach, PenReach, PenReach);
+    std::optional<Qt::GlobalColor> color;
     for (int row = 0; row < rows; ++row) {
         const BadpixelEntry entry = m_model->badpixelAt(row);
-        painter.setPen(markColor(entry.pixelClass));
-        painter.drawEllipse(markRect(entry, MarkReach));
+        const QRect mark = markRect(entry, MarkReach);
+        if (!mark.intersects(reached)) {
+            continue;
+        }
+        if (color != markColor(entry.pixelClass)) {
+            color = markColor(entry.pixelClass);
+            painter.setPen(*color);
+        }
+        painter.drawEllipse(mark);
     }
 
     if (m_selectionModel == nullptr) {
