@@ -105,12 +105,15 @@ function(vorn_executable name)
   endif()
 endfunction()
 
-# vorn_test(NAME SOURCES file... LINK target... [LABELS label...] [RESOURCE_LOCK name])
+# vorn_test(NAME SOURCES file... LINK target... [LABELS label...] [RESOURCE_LOCK name] [LONG])
 #
 # One GoogleTest program NAME, each of its tests a test of CTest with the label NAME. They run on
 # the offscreen platform with an empty home of their own (tests/support/main.cpp).
+#
+# LONG: those of its tests whose names begin with "Long/" are one test of CTest, NAME_long, that only
+# ctest -C Long runs.
 function(vorn_test name)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "RESOURCE_LOCK" "SOURCES;LINK;LABELS")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "LONG" "RESOURCE_LOCK" "SOURCES;LINK;LABELS")
   add_executable(${name} ${arg_SOURCES})
   _vorn_target_defaults(${name})
   target_link_libraries(${name} PRIVATE ${arg_LINK} vorn_test_support)
@@ -118,7 +121,13 @@ function(vorn_test name)
   if(arg_RESOURCE_LOCK)
     list(APPEND properties RESOURCE_LOCK ${arg_RESOURCE_LOCK})
   endif()
-  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+  set(filter)
+  if(arg_LONG)
+    set(filter TEST_FILTER "-Long/*")
+    add_test(NAME ${name}_long COMMAND ${name} --gtest_filter=Long/* CONFIGURATIONS Long)
+    set_tests_properties(${name}_long PROPERTIES LABELS "${name};${arg_LABELS};long" TIMEOUT 1800)
+  endif()
+  gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60 ${filter}
                        PROPERTIES ${properties})
 endfunction()
 
