@@ -157,6 +157,21 @@ TEST_F(DisplayWidgetMarks, EntriesOutsideTheImageAreNoTrouble)
     EXPECT_EQ(redrawn(), image);
 }
 
+// The outermost pixel of an outline is that of its smoothing, half a pixel beyond the circle.
+TEST_F(DisplayWidgetMarks, EntriesBesideTheImageAreDrawnAsFarAsTheyReachIntoIt)
+{
+    for (int x = 60; x < 70; ++x) {
+        viewtest::fillList(model, QByteArray::number(x) + " 25 1\n25 " +
+                                      QByteArray::number(x - 10) + " 1\n");
+        // The same on a picture that is large enough for all of both circles, cut to the image.
+        QImage large = viewtest::plainImage(100, 100, Background);
+        display.setImage(large);
+        const QImage expected = pictureOf(display).copy(0, 0, 60, 50);
+        display.setImage(image);
+        EXPECT_EQ(pictureOf(display), expected) << x;
+    }
+}
+
 // The blue outline, 3 pixels wide, runs along 24 and 37 and covers 22.5 to 25.5 and 35.5 to 38.5.
 TEST_F(DisplayWidgetMarks, SelectedEntryGetsAWideBlueRingOfThirteenPixels)
 {
