@@ -1,10 +1,12 @@
 #include "tests/soak/Footprint.h"
 
+#include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <malloc.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -15,17 +17,37 @@ constexpr bool Sanitized = true;
 constexpr bool Sanitized = false;
 #endif
 
+int threadCount()
+{
+    const std::filesystem::directory_iterator tasks("/proc/self/task");
+    return static_cast<int>(std::distance(begin(tasks), end(tasks)));
+}
+
 } // namespace
 
-Footprint Footprint::now()
+Footprint Footprint::atRest(int expectedThreads)
 {
+    constexpr int TickMsec = 10;
+    constexpr int QuietMsec =
+        1500; // three times as long as an event thread takes to notice its end
+    constexpr int PatienceMsec = 60'000;
     Footprint footprint;
+    footprint.threads = threadCount();
+    int quietMsec = 0;
+    for (int msec = 0; msec < PatienceMsec; msec += TickMsec) {
+        if (quietMsec >= QuietMsec &&
+            (expectedThreads == 0 || footprint.threads <= expectedThreads)) {
+            break;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(TickMsec));
+        const int threads = threadCount();
+        quietMsec = threads == footprint.threads ? quietMsec + TickMsec : 0;
+        footprint.threads = threads;
+    }
     if (!Sanitized) {
         malloc_trim(0);
         footprint.heapBytes = mallinfo2().uordblks;
     }
-    const std::filesystem::directory_iterator tasks("/proc/self/task");
-    footprint.threads = static_cast<int>(std::distance(begin(tasks), end(tasks)));
     std::size_t pages = 0;
     std::ifstream("/proc/self/statm") >> pages >> pages;
     footprint.residentBytes = pages * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));

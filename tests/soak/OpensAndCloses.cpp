@@ -49,7 +49,7 @@ bool soak::opensAndCloses(int cycles)
         int settledEvents = 0;
         for (int cycle = 0; cycle < cycles && good; ++cycle) {
             if (cycle == settling) {
-                settled = Footprint::now();
+                settled = Footprint::atRest();
                 settled.print("settled");
                 settledEvents = sdk.calls(SdkOperation::InitEvent);
             }
@@ -64,7 +64,7 @@ bool soak::opensAndCloses(int cycles)
             good = good && trigger(window, "actionClose") && simulated.openCameras() == 0 &&
                    simulated.imageMemories() == 0;
         }
-        const Footprint last = Footprint::now();
+        const Footprint last = Footprint::atRest(settled.threads);
         last.print("last");
         good =
             good && hasNotGrown(settled, last, sdk.calls(SdkOperation::InitEvent) - settledEvents);

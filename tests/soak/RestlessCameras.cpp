@@ -141,9 +141,9 @@ bool soak::restlessCameras(int cycles, unsigned seed)
         });
         // Everybody has started once before anything is compared.
         const int settling = std::min(100, std::max(1, cycles / 2));
-        const auto atRest = [&] {
+        const auto atRest = [&](int expectedThreads) {
             camera.close();
-            return Footprint::now();
+            return Footprint::atRest(expectedThreads);
         };
         const auto restlessCycles = [&](int count) {
             const Hand cables(simulated, random(), [](auto& s, const QString& serial, Random& r) {
@@ -178,11 +178,11 @@ bool soak::restlessCameras(int cycles, unsigned seed)
             }
         };
         restlessCycles(settling);
-        settled = atRest();
+        settled = atRest(0);
         settled.print("settled");
         settledEvents = sdk.calls(SdkOperation::InitEvent);
         restlessCycles(cycles - settling);
-        const Footprint last = atRest();
+        const Footprint last = atRest(settled.threads);
         last.print("last");
         good = hasNotGrown(settled, last, sdk.calls(SdkOperation::InitEvent) - settledEvents);
 
