@@ -3,7 +3,7 @@
 namespace {
 
 constexpr int WaitMsec = 500;
-constexpr unsigned long EndMsec = 2 * WaitMsec;
+constexpr unsigned long EndMsec = 1000;
 
 } // namespace
 
