@@ -32,7 +32,7 @@ constexpr QLatin1String GeometryKey("geometry");
 constexpr QLatin1String StateKey("state");
 constexpr int PixelclassColumn = 2;
 constexpr int BadpixelColumnWidth = 40;
-constexpr int DockWidth = 310; // room for all columns of the camera list
+constexpr int DockWidth = 330; // room for all columns of the camera list
 
 struct DockRow
 {

@@ -192,6 +192,7 @@ private:
 
     [[nodiscard]] CameraItem selectedCamera() const;
     [[nodiscard]] QModelIndex selectedBadpixel() const;
+    void forgetCurrentBadpixel();
     void setImageAreaVisible(bool visible);
     void exchangeFile(const QString& fileName, void (BadpixelListModel::*exchange)(QString));
 

@@ -339,7 +339,15 @@ void MainWindow::deleteBadpixel()
 
 void MainWindow::clearBadpixel()
 {
+    forgetCurrentBadpixel();
     m_badpixelListModel.clearUserBadpixelList();
+}
+
+void MainWindow::forgetCurrentBadpixel()
+{
+    // User entries are removed row by row. When the table's current row goes, the table selects the
+    // next one, and with each selection the magnifier moves and the image is drawn anew.
+    m_badpixelListSelection->clearCurrentIndex();
 }
 
 void MainWindow::writeBadpixelList()
@@ -364,9 +372,12 @@ void MainWindow::saveBadpixelList()
 
 void MainWindow::loadBadpixelList()
 {
-    exchangeFile(QFileDialog::getOpenFileName(this, tr("Open hotpixel list"), QDir::homePath(),
-                                              tr("Text files (*.txt)")),
-                 &BadpixelListModel::loadFromFile);
+    const QString fileName = QFileDialog::getOpenFileName(
+        this, tr("Open hotpixel list"), QDir::homePath(), tr("Text files (*.txt)"));
+    if (!fileName.isEmpty()) {
+        forgetCurrentBadpixel();
+    }
+    exchangeFile(fileName, &BadpixelListModel::loadFromFile);
 }
 
 void MainWindow::exchangeFile(const QString& fileName, void (BadpixelListModel::*exchange)(QString))
@@ -395,6 +406,9 @@ void MainWindow::openDetectDialog()
 
 void MainWindow::startDetectingBadpixel(bool clear, int threshold)
 {
+    if (clear) {
+        forgetCurrentBadpixel();
+    }
     m_detection.start(clear, threshold);
 }
 

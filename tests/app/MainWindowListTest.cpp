@@ -213,6 +213,24 @@ TEST_F(MainWindowList, ClearRemovesUserEntriesWithoutAsking)
     EXPECT_EQ(badpixels(), QStringList({"3,4 ignore", "60,40 ignore"}));
 }
 
+TEST_F(MainWindowList, ClearingSelectsNoneOfTheEntriesOnItsWay)
+{
+    add({30, 31});
+    add({32, 33});
+    select(2); // as a click does: it is the table's current row, too
+    const QSignalSpy moved(window.get(), &MainWindow::magnifierPositionChanged);
+    action("Clear user hotpixel")->trigger();
+    EXPECT_EQ(moved.size(), 0);
+    EXPECT_EQ(selectedRows(badpixelView()), QList<int>());
+    add({30, 31});
+    select(2);
+    const auto before = moved.size();
+    EXPECT_TRUE(QMetaObject::invokeMethod(window.get(), "startDetectingBadpixel",
+                                          Qt::DirectConnection, Q_ARG(bool, true), Q_ARG(int, 40)));
+    EXPECT_EQ(moved.size(), before);
+    EXPECT_EQ(badpixels(), QStringList({"3,4 ignore", "60,40 ignore"}));
+}
+
 TEST_F(MainWindowList, WriteAsksFirst)
 {
     static_cast<void>(sdk.takeCalls());
