@@ -14,7 +14,7 @@
 namespace cli {
 namespace {
 
-constexpr qint64 MaxFileSize = 16 * 1024 * 1024; ///< several times the largest list
+constexpr qint64 MaxFileSize = qint64{16} << 20; ///< several times the largest list
 
 QString tr(const char* text)
 {
