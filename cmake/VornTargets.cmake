@@ -41,11 +41,8 @@ if(PROJECT_IS_TOP_LEVEL)
 endif()
 
 if(VORN_SANITIZE)
-  # GCC's own instrumentation makes it take initialised variables for uninitialised ones.
-  target_compile_options(
-    vorn_sanitizers
-    INTERFACE -fsanitize=${VORN_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all
-              $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>)
+  target_compile_options(vorn_sanitizers INTERFACE -fsanitize=${VORN_SANITIZE}
+                         -fno-omit-frame-pointer -fno-sanitize-recover=all)
   target_link_options(vorn_sanitizers INTERFACE -fsanitize=${VORN_SANITIZE})
 endif()
 
