@@ -172,12 +172,14 @@ QStringList WindowTest::contextMenu(QTableView* view)
 void whileModal(const std::function<void()>& act,
                 const std::vector<std::function<void(QWidget*)>>& answers)
 {
+    // A dialogue may be open already, and is modal too.
+    const QPointer<QWidget> before = QApplication::activeModalWidget();
     std::size_t answered = 0;
     QPointer<QWidget> last;
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, &timer, [&] {
         QWidget* const modal = QApplication::activeModalWidget();
-        if (modal != nullptr && modal != last && answered < answers.size()) {
+        if (modal != nullptr && modal != before && modal != last && answered < answers.size()) {
             last = modal;
             answers[answered++](modal);
         }
