@@ -21,7 +21,6 @@ public:
     static constexpr int ProgressStep = 10;     ///< percent for each frame
     static constexpr int MaxBrightBytes = 5000; ///< of a dark frame
     static constexpr int BrightLevel = 100;     ///< bytes above it are bright
-    static constexpr int MessageMsec = 2000;    ///< how long the status bar shows failed()
 
     /// What addFrame() made of an image.
     enum class Step {
