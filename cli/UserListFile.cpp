@@ -26,7 +26,8 @@ bool isBlank(char character)
     return character == ' ' || character == '\t';
 }
 
-/// Takes a number up to @p maximum off the front of @p line.
+/// Takes a number up to @p maximum off the front of @p line. To the editor 012 is the octal 10, so
+/// no number with a leading 0 passes: what goes into a camera must not depend on the reader.
 bool takeNumber(std::string_view& line, unsigned maximum, unsigned& number)
 {
     while (!line.empty() && isBlank(line.front())) {
@@ -34,7 +35,8 @@ bool takeNumber(std::string_view& line, unsigned maximum, unsigned& number)
     }
     const char* const end = line.data() + line.size();
     const auto [rest, error] = std::from_chars(line.data(), end, number);
-    if (error != std::errc{} || number > maximum || (rest != end && !isBlank(*rest))) {
+    if (error != std::errc{} || number > maximum ||
+        (*line.data() == '0' && rest - line.data() > 1) || (rest != end && !isBlank(*rest))) {
         return false;
     }
     line.remove_prefix(static_cast<std::size_t>(rest - line.data()));

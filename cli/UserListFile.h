@@ -12,8 +12,9 @@
 /// loads whatever is in a file, every line has to be a user entry.
 namespace cli {
 
-/// Reads a list file: x, y and the class 1 on each line, in decimal, with blanks or tabs between
-/// them; what follows behind another blank is ignored.
+/// Reads a list file: x, y and the class 1 on each line, in decimal without leading zeros (to the
+/// editor 012 is octal), with blanks or tabs between them; what follows behind another blank is
+/// ignored.
 ///
 /// @throws CommandError naming the file, and the line where there is one: it can't be opened, is no
 ///         file, is too large to be a list, or holds a line that is no user entry.

@@ -54,11 +54,10 @@ TEST_F(UserListFile, HoldsAnEntryPerLine)
 TEST_F(UserListFile, IsAcceptedInEveryFormThatAProgramMayHaveSavedItIn)
 {
     const Entries expected{{12, 345, UserPixel}, {640, 2, UserPixel}};
-    for (const char* content :
-         {"12 345 1\n640 2 1", "12 345 1\r\n640 2 1\r\n",
-          "\xef\xbb\xbf"
-          "12 345 1\n640 2 1\n",
-          "12\t345 \t1\n 640   2 1 \n", "12 345 1 hot\n640 2 1 hotter\n", "012 345 1\n640 2 1\n"}) {
+    for (const char* content : {"12 345 1\n640 2 1", "12 345 1\r\n640 2 1\r\n",
+                                "\xef\xbb\xbf"
+                                "12 345 1\n640 2 1\n",
+                                "12\t345 \t1\n 640   2 1 \n", "12 345 1 hot\n640 2 1 hotter\n"}) {
         write(content);
         EXPECT_EQ(cli::readUserListFile(fileName()), expected) << content;
     }
@@ -72,9 +71,10 @@ TEST_F(UserListFile, MayBeEmpty)
 
 TEST_F(UserListFile, IsRefusedWithTheNumberOfTheFirstLineThatIsNoUserEntry)
 {
-    for (const char* line : {"", "5 6", "5 6 0", "5 6 2", "5 6 257", "5 6 -1", "-5 6 1",
-                             "65536 6 1", "5 70000 1", "99999999999999999999 6 1", "x y 1", "5,6,1",
-                             "5 6 1x", "5.0 6 1", "0x5 6 1", "\xff\xfe"}) {
+    for (const char* line :
+         {"", "5 6", "5 6 0", "5 6 2", "5 6 257", "5 6 -1", "-5 6 1", "65536 6 1", "5 70000 1",
+          "99999999999999999999 6 1", "x y 1", "5,6,1", "5 6 1x", "5.0 6 1", "0x5 6 1", "012 6 1",
+          "5 00 1", "5 6 01", "\xff\xfe"}) {
         write(QByteArray("1 2 1\n") + line + "\n3 4 1\n");
         EXPECT_EQ(failure(fileName()),
                   fileName() + QStringLiteral(", line 2: this is no user entry (x, y and the class "
@@ -83,10 +83,11 @@ TEST_F(UserListFile, IsRefusedWithTheNumberOfTheFirstLineThatIsNoUserEntry)
     }
 }
 
-TEST_F(UserListFile, TakesTheGreatestCoordinates)
+TEST_F(UserListFile, TakesTheSmallestAndTheGreatestCoordinates)
 {
-    write("65535 65535 1\n");
-    EXPECT_EQ(cli::readUserListFile(fileName()), (Entries{{65535, 65535, UserPixel}}));
+    write("0 0 1\n65535 65535 1\n");
+    EXPECT_EQ(cli::readUserListFile(fileName()),
+              (Entries{{0, 0, UserPixel}, {65535, 65535, UserPixel}}));
 }
 
 TEST_F(UserListFile, ThatHoldsNulBytesIsRefused)
