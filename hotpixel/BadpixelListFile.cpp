@@ -2,6 +2,7 @@
 
 #include "hotpixel/BadpixelLineReader.h"
 
+#include <QBuffer>
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
@@ -31,21 +32,18 @@ constexpr const char* CantWrite = QT_TRANSLATE_NOOP("BadpixelListModel", "Can't 
     throw std::runtime_error(QCoreApplication::translate("BadpixelListModel", text).toStdString());
 }
 
-void openForWriting(QFileDevice& file)
-{
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text)) {
-        fail(CantOpenForWriting);
-    }
-}
-
 char* appendNumber(char* position, std::uint16_t number)
 {
     constexpr std::ptrdiff_t MaxDigits = 5;
     return std::to_chars(position, position + MaxDigits, number).ptr;
 }
 
-void writeEntries(QFileDevice& file, std::span<const BadpixelEntry> entries)
+/// What the file of @p entries holds, with the line ends of the platform.
+QByteArray contentFor(std::span<const BadpixelEntry> entries)
 {
+    QByteArray content;
+    QBuffer buffer(&content);
+    buffer.open(QIODevice::WriteOnly | QIODevice::Text);
     std::array<char, sizeof "65535 65535 1\n"> line{};
     for (const BadpixelEntry& entry : entries) {
         if (entry.pixelClass != UserPixel) {
@@ -54,11 +52,43 @@ void writeEntries(QFileDevice& file, std::span<const BadpixelEntry> entries)
         char* end = appendNumber(line.data(), entry.x);
         *end++ = ' ';
         end = std::copy_n(" 1\n", 3, appendNumber(end, entry.y));
-        if (file.write(line.data(), end - line.data()) < 0) {
-            break;
-        }
+        buffer.write(line.data(), end - line.data());
     }
-    if (file.error() != QFileDevice::NoError || !file.flush()) {
+    return content;
+}
+
+bool writeAll(QFileDevice& file, const QByteArray& content)
+{
+    return file.write(content) == content.size() && file.flush();
+}
+
+/// A device must not be replaced by a file of its name.
+void writeDevice(const QString& filename, const QByteArray& content)
+{
+    QFile device(filename);
+    if (!device.open(QIODevice::WriteOnly)) {
+        fail(CantOpenForWriting);
+    }
+    if (!writeAll(device, content)) {
+        fail(CantWrite);
+    }
+}
+
+/// For a file in a folder that takes no other one. What makes it longer is written first: only that
+/// needs room on the disk, and it can be cut off again.
+void overwrite(const QString& filename, const QByteArray& content)
+{
+    QFile file(filename);
+    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly)) {
+        fail(CantOpenForWriting);
+    }
+    const qint64 oldSize = file.size();
+    if (content.size() > oldSize &&
+        (!file.seek(oldSize) || !writeAll(file, content.mid(oldSize)))) {
+        file.resize(oldSize);
+        fail(CantWrite);
+    }
+    if (!file.seek(0) || !writeAll(file, content.left(oldSize)) || !file.resize(content.size())) {
         fail(CantWrite);
     }
 }
@@ -73,18 +103,17 @@ void writeListFile(const QString& filename, std::span<const BadpixelEntry> entri
     if (filename.isEmpty() || std::filesystem::is_fifo(target.filesystemFilePath(), ignored)) {
         fail(CantOpenForWriting);
     }
+    const QByteArray content = contentFor(entries);
     if (target.exists() && !target.isFile()) {
-        // A device must not be replaced by a file of its name.
-        QFile device(filename);
-        openForWriting(device);
-        writeEntries(device, entries);
+        writeDevice(filename, content);
         return;
     }
     QSaveFile file(filename);
-    file.setDirectWriteFallback(true);
-    openForWriting(file);
-    writeEntries(file, entries);
-    if (!file.commit()) {
+    if (!file.open(QIODevice::WriteOnly)) {
+        overwrite(filename, content);
+        return;
+    }
+    if (!writeAll(file, content) || !file.commit()) {
         fail(CantWrite);
     }
 }

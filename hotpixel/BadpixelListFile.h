@@ -16,8 +16,8 @@ namespace hotpixel {
 /// Windows); all others are left out.
 ///
 /// An existing file is replaced only when the new one is complete, so a failure leaves it as it
-/// was. The exception is a file in a folder in which no other file can be made, and a device: those
-/// are written in place.
+/// was. A file in a folder in which no other file can be made is written in place: a full disk
+/// leaves it as it was, a program killed meanwhile does not. Devices are written in place as well.
 ///
 /// @throws std::runtime_error "Can't open file for writing." when @p filename can't be made or
 ///         written to, or is a folder or a pipe.

@@ -59,6 +59,15 @@ protected:
     }
 
     [[nodiscard]] QString list() const { return m_folder.filePath(QStringLiteral("list.txt")); }
+    [[nodiscard]] QString filling() const { return m_folder.filePath(QStringLiteral("filling")); }
+
+    void fill() const
+    {
+        QFile file(filling());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+        while (file.write(QByteArray(4096, 'x')) > 0) {
+        }
+    }
 
     void expectTheOldFileOnly() const
     {
@@ -82,15 +91,29 @@ TEST_F(SmallDisk, ThatFillsUpWhileSavingKeepsTheOldFile)
 
 TEST_F(SmallDisk, ThatIsFullToTheLastByteKeepsTheOldFile)
 {
-    const QString filling = m_folder.filePath(QStringLiteral("filling"));
-    QFile file(filling);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
-    while (file.write(QByteArray(4096, 'x')) > 0) {
-    }
-    file.close();
+    fill();
     EXPECT_EQ(saveError(list(), 10'000), "Can't write file.");
-    ASSERT_TRUE(QFile::remove(filling));
+    ASSERT_TRUE(QFile::remove(filling()));
     expectTheOldFileOnly();
+}
+
+TEST_F(SmallDisk, ThatIsFullKeepsTheOldFileInAFolderThatTakesNoOther)
+{
+    // More than a page, so that a longer list needs room.
+    const Entries old(1000, {9, 9, UserPixel});
+    hotpixel::writeListFile(list(), old);
+    fill();
+    ASSERT_EQ(chmod(qPrintable(list()), 0666), 0);
+    ASSERT_EQ(chmod(qPrintable(m_folder.path()), 0555), 0);
+    const auto saveAsNobody = [this](std::size_t count) {
+        return hostile::runInChild([this, count] { return saveError(list(), count); }, true).text;
+    };
+    EXPECT_EQ(saveAsNobody(10'000), "Can't write file.");
+    EXPECT_EQ(hotpixel::readListFile(list()), old);
+    EXPECT_EQ(saveAsNobody(100), "no error") << "a shorter list needs no room";
+    EXPECT_EQ(hotpixel::readListFile(list()), Entries(100, {12, 345, UserPixel}));
+    EXPECT_EQ(saveAsNobody(300), "no error") << "a longer list had room";
+    EXPECT_EQ(hotpixel::readListFile(list()), Entries(300, {12, 345, UserPixel}));
 }
 
 TEST_F(SmallDisk, ThatBecameReadOnlyKeepsTheOldFile)
