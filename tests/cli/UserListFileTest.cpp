@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 
 #ifdef Q_OS_UNIX
+#include "tests/support/AsNobody.h"
+
 #include <sys/stat.h>
 #endif
 
@@ -121,6 +123,18 @@ TEST_F(UserListFile, CantBeAPipeThatNobodyWritesInto)
 {
     ASSERT_EQ(mkfifo(fileName().toLocal8Bit().constData(), 0600), 0);
     EXPECT_EQ(failure(fileName()), fileName() + QStringLiteral(" is not a file."));
+}
+
+TEST_F(UserListFile, ThatMayNotBeReadIsNamed)
+{
+    write("1 2 1\n");
+    ASSERT_EQ(chmod(qPrintable(folder()), 0777), 0);
+    ASSERT_EQ(chmod(qPrintable(fileName()), 0), 0);
+    const AsNobody nobody;
+    ASSERT_TRUE(nobody);
+    EXPECT_TRUE(
+        failure(fileName())
+            .startsWith(QStringLiteral("Can't open file for reading. (%1: ").arg(fileName())));
 }
 #endif
 

@@ -15,10 +15,11 @@
 #include <vector>
 
 #ifdef Q_OS_UNIX
+#include "tests/support/AsNobody.h"
+
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 #endif
 
 using namespace std::string_literals;
@@ -391,37 +392,46 @@ TEST_F(ListFile, CantBeWrittenIntoAPipe)
 
 TEST_F(ListFile, CantBeReadWithoutPermission)
 {
-    if (geteuid() == 0) {
-        GTEST_SKIP() << "root may read everything";
-    }
     put("1 2 1\n");
+    ASSERT_EQ(chmod(qPrintable(path(".")), 0777), 0);
     ASSERT_EQ(chmod(qPrintable(path()), 0), 0);
+    const AsNobody nobody;
+    ASSERT_TRUE(nobody);
     EXPECT_EQ(readError(path()), "Can't open file for reading.");
 }
 
 TEST_F(ListFile, CantBeWrittenWithoutPermission)
 {
-    if (geteuid() == 0) {
-        GTEST_SKIP() << "root may write everything";
-    }
     put("1 2 1\n");
-    ASSERT_EQ(chmod(qPrintable(path()), 0400), 0);
+    ASSERT_EQ(chmod(qPrintable(path(".")), 0777), 0);
+    ASSERT_EQ(chmod(qPrintable(path()), 0444), 0);
+    const AsNobody nobody;
+    ASSERT_TRUE(nobody);
     EXPECT_EQ(writeError(path(), TwoUserEntries), "Can't open file for writing.");
     EXPECT_EQ(contentOf(path()), "1 2 1\n");
 }
 
 TEST_F(ListFile, IsWrittenInPlaceWhereNoOtherFileCanBeMade)
 {
-    if (geteuid() == 0) {
-        GTEST_SKIP() << "root may make files everywhere";
-    }
+    ASSERT_EQ(chmod(qPrintable(path(".")), 0755), 0);
     ASSERT_TRUE(QDir(path(".")).mkdir("folder"));
-    hotpixel::writeListFile(path("folder/list.txt"), Entries{{9, 9, UserPixel}});
-    ASSERT_EQ(chmod(qPrintable(path("folder")), 0500), 0);
-    EXPECT_EQ(writeError(path("folder/list.txt"), TwoUserEntries), "no error");
-    EXPECT_EQ(contentOf(path("folder/list.txt")), "12 345 1\n640 2 1\n");
-    EXPECT_EQ(writeError(path("folder/new.txt"), TwoUserEntries), "Can't open file for writing.");
-    ASSERT_EQ(chmod(qPrintable(path("folder")), 0700), 0);
+    const QString list = path("folder/list.txt");
+    hotpixel::writeListFile(list, Entries{{9, 9, UserPixel}});
+    ASSERT_EQ(chmod(qPrintable(list), 0666), 0);
+    ASSERT_EQ(chmod(qPrintable(path("folder")), 0555), 0);
+    {
+        const AsNobody nobody;
+        ASSERT_TRUE(nobody);
+        EXPECT_EQ(writeError(list, TwoUserEntries), "no error");
+        EXPECT_EQ(contentOf(list), "12 345 1\n640 2 1\n");
+        EXPECT_EQ(writeError(list, Entries{{7, 8, UserPixel}}), "no error");
+        EXPECT_EQ(contentOf(list), "7 8 1\n") << "the end of a longer list is left";
+        EXPECT_EQ(writeError(list, {}), "no error");
+        EXPECT_EQ(contentOf(list), "");
+        EXPECT_EQ(writeError(path("folder/new.txt"), TwoUserEntries),
+                  "Can't open file for writing.");
+    }
+    ASSERT_EQ(chmod(qPrintable(path("folder")), 0755), 0);
 }
 
 TEST_F(ListFile, SaysThatADeviceIsFull)

@@ -8,11 +8,6 @@
 
 #include <csignal>
 
-#ifdef Q_OS_UNIX
-#include <sys/stat.h>
-#include <unistd.h>
-#endif
-
 namespace {
 
 using Entries = std::vector<BadpixelEntry>;
@@ -422,19 +417,6 @@ TEST(CompanionProcess, ClosesTheCameraWhenItIsInterrupted)
         EXPECT_EQ(bench.run(QStringLiteral("read 1")).status, 0);
         EXPECT_EQ(bench.eeprom(QStringLiteral("S1")), before);
     }
-}
-
-TEST(CompanionProcess, NamesAFileThatMayNotBeRead)
-{
-    if (geteuid() == 0) {
-        GTEST_SKIP() << "root may read everything";
-    }
-    const CompanionBench bench(smallCamera());
-    const QString list = bench.write(QStringLiteral("list.txt"), "1 2 1\n");
-    ASSERT_TRUE(QFile::setPermissions(list, {}));
-    const Finished refused = bench.run(QStringLiteral("write 1 %1 --yes"), list);
-    EXPECT_EQ(refused.status, 1);
-    EXPECT_TRUE(errorLine(refused).startsWith("Can't open file for reading. ("));
 }
 
 #endif
