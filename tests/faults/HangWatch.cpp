@@ -11,7 +11,12 @@ namespace {
 
 constexpr int TickMsec = 10;
 constexpr int ClosingMsec = 3000; // six threads, each of which is waited for
-constexpr int PatienceMsec = ClosingMsec + 2000;
+#ifdef __SANITIZE_THREAD__
+constexpr int HangMsec = 8000; // everything takes several times as long
+#else
+constexpr int HangMsec = 2000;
+#endif
+constexpr int PatienceMsec = ClosingMsec + HangMsec;
 constexpr int HangStatus = 3;
 
 struct ThreadState
