@@ -79,7 +79,8 @@ void writeDevice(const QString& filename, const QByteArray& content)
 void overwrite(const QString& filename, const QByteArray& content)
 {
     QFile file(filename);
-    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly)) {
+    // A buffer would be written once more as the file is closed, behind what was cut off.
+    if (!file.open(QIODevice::ReadWrite | QIODevice::ExistingOnly | QIODevice::Unbuffered)) {
         fail(CantOpenForWriting);
     }
     const qint64 oldSize = file.size();
