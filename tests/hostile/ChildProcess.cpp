@@ -11,8 +11,6 @@
 namespace hostile {
 namespace {
 
-constexpr unsigned Nobody = 65534;
-
 /// A figure in KiB of /proc/self/status.
 std::int64_t memory(const QByteArray& field)
 {
@@ -38,7 +36,7 @@ std::string resultOf(const std::function<std::string()>& work)
 
 } // namespace
 
-ChildReport runInChild(const std::function<std::string()>& work, bool asNobody)
+ChildReport runInChild(const std::function<std::string()>& work)
 {
     std::array<int, 2> ends = {};
     if (pipe(ends.data()) != 0) {
@@ -46,9 +44,6 @@ ChildReport runInChild(const std::function<std::string()>& work, bool asNobody)
     }
     const pid_t child = fork();
     if (child == 0) {
-        if (asNobody && geteuid() == 0 && (setgid(Nobody) != 0 || setuid(Nobody) != 0)) {
-            _exit(1);
-        }
         const std::int64_t before = memory("VmRSS");
         const std::string text = resultOf(work);
         const std::string report = std::to_string(memory("VmHWM") - before) + ' ' + text;

@@ -14,9 +14,8 @@ struct ChildReport
     bool ended = false;        ///< whether the process came to its end
 };
 
-/// Runs @p work in a fork of this process; as nobody, whom permissions keep from things even where
-/// the tests run as root, when @p asNobody.
-ChildReport runInChild(const std::function<std::string()>& work, bool asNobody = false);
+/// Runs @p work in a fork of this process.
+ChildReport runInChild(const std::function<std::string()>& work);
 
 /// How much more memory the sanitizers take: they keep what is freed for a while.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)

@@ -1,5 +1,6 @@
 #include "hotpixel/BadpixelListFile.h"
 #include "tests/hostile/ChildProcess.h"
+#include "tests/support/AsNobody.h"
 
 #include <QByteArray>
 #include <QFile>
@@ -29,17 +30,14 @@ protected:
 
     /// Reads the file in a process of its own: the number of entries and the last one, or the
     /// error.
-    [[nodiscard]] hostile::ChildReport read(bool asNobody = false) const
+    [[nodiscard]] hostile::ChildReport read() const
     {
-        return hostile::runInChild(
-            [name = path()] {
-                const Entries entries = hotpixel::readListFile(name);
-                const BadpixelEntry last = entries.empty() ? BadpixelEntry() : entries.back();
-                return std::to_string(entries.size()) + " entries, the last " +
-                       std::to_string(last.x) + ' ' + std::to_string(last.y) + ' ' +
-                       std::to_string(last.pixelClass);
-            },
-            asNobody);
+        return hostile::runInChild([name = path()] {
+            const Entries entries = hotpixel::readListFile(name);
+            const BadpixelEntry last = entries.empty() ? BadpixelEntry() : entries.back();
+            return std::to_string(entries.size()) + " entries, the last " + std::to_string(last.x) +
+                   ' ' + std::to_string(last.y) + ' ' + std::to_string(last.pixelClass);
+        });
     }
 
     [[nodiscard]] QString folder() const { return m_folder.path(); }
@@ -111,7 +109,8 @@ TEST_F(HostileListFile, ThatMayNotBeReadIsAnError)
     put("1 2 1\n");
     ASSERT_EQ(chmod(qPrintable(folder()), 0755), 0);
     ASSERT_EQ(chmod(qPrintable(path()), 0), 0);
-    const hostile::ChildReport report = read(true);
+    const AsNobody nobody;
+    const hostile::ChildReport report = read();
     EXPECT_TRUE(report.ended);
     EXPECT_EQ(report.text, "Can't open file for reading.");
 }

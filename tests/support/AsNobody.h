@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdlib>
 #include <unistd.h>
 
 /// While one lives, permissions keep this process from things, even where the tests run as root,
@@ -7,20 +8,20 @@
 class AsNobody
 {
 public:
-    AsNobody()
-        : m_isRoot(geteuid() == 0)
-        , m_done(!m_isRoot || setresuid(Nobody, Nobody, 0) == 0)
-    {}
-    ~AsNobody() { m_done = m_done && (!m_isRoot || setresuid(0, 0, 0) == 0); }
+    AsNobody() { become(Nobody); }
+    ~AsNobody() { become(0); }
     AsNobody(const AsNobody&) = delete;
     AsNobody& operator=(const AsNobody&) = delete;
-
-    /// False where root can't become anybody else.
-    explicit operator bool() const { return m_done; }
 
 private:
     static constexpr uid_t Nobody = 65534;
 
-    const bool m_isRoot;
-    bool m_done;
+    void become(uid_t user) const
+    {
+        if (m_isRoot && setresuid(user, user, 0) != 0) {
+            std::abort();
+        }
+    }
+
+    const bool m_isRoot = geteuid() == 0;
 };
