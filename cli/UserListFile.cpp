@@ -35,8 +35,9 @@ bool takeNumber(std::string_view& line, unsigned maximum, unsigned& number)
     }
     const char* const end = line.data() + line.size();
     const auto [rest, error] = std::from_chars(line.data(), end, number);
-    if (error != std::errc{} || number > maximum ||
-        (*line.data() == '0' && rest - line.data() > 1) || (rest != end && !isBlank(*rest))) {
+    const bool hasLeadingZero = rest - line.data() > 1 && line.front() == '0';
+    if (error != std::errc{} || number > maximum || hasLeadingZero ||
+        (rest != end && !isBlank(*rest))) {
         return false;
     }
     line.remove_prefix(static_cast<std::size_t>(rest - line.data()));
