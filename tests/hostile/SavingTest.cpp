@@ -106,7 +106,7 @@ TEST_F(SmallDisk, ThatIsFullKeepsTheOldFileInAFolderThatTakesNoOther)
     ASSERT_EQ(chmod(qPrintable(list()), 0666), 0);
     ASSERT_EQ(chmod(qPrintable(m_folder.path()), 0555), 0);
     const AsNobody nobody;
-    for (const std::size_t count : {10'000, 1'200}) {
+    for (const unsigned count : {10'000U, 1'200U}) {
         EXPECT_EQ(saveError(list(), count), "Can't write file.") << count;
         EXPECT_EQ(hotpixel::readListFile(list()), old) << count;
     }
