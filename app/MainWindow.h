@@ -193,6 +193,7 @@ private:
     [[nodiscard]] CameraItem selectedCamera() const;
     [[nodiscard]] QModelIndex selectedBadpixel() const;
     void forgetCurrentBadpixel();
+    void stopDetection(const QString& reason);
     void setImageAreaVisible(bool visible);
     void exchangeFile(const QString& fileName, void (BadpixelListModel::*exchange)(QString));
 

@@ -145,11 +145,13 @@ void MainWindow::closeCamera()
 
 void MainWindow::onCameraOpened(Camera* /*camera*/)
 {
+    stopDetection(tr("Detection stopped."));
     emit cameraOpened(true);
 }
 
 void MainWindow::onCameraClosed()
 {
+    stopDetection(tr("Detection stopped."));
     emit cameraOpened(false);
 }
 
@@ -159,6 +161,7 @@ void MainWindow::onCameraDisconnect()
     setImageAreaVisible(false);
     QImage nothing;
     newImage(nothing);
+    stopDetection(tr("The camera was disconnected."));
 }
 
 void MainWindow::onCameraReconnect()
@@ -399,6 +402,8 @@ void MainWindow::openDetectDialog()
     m_detectionDialogue = new DetectionDialogue(this);
     connect(m_detectionDialogue, &DetectionDialogue::startDetect, this,
             &MainWindow::startDetectingBadpixel);
+    connect(m_detectionDialogue, &DetectionDialogue::stopDetect, this,
+            [this] { stopDetection(tr("Detection stopped.")); });
     connect(&m_badpixelListModel, &BadpixelListModel::pixelAdded, m_detectionDialogue,
             &DetectionDialogue::addDetectedPixel);
     m_detectionDialogue->open();
@@ -415,6 +420,16 @@ void MainWindow::startDetectingBadpixel(bool clear, int threshold)
 void MainWindow::detectBadpixel()
 {
     m_detection.evaluate(m_camera.colorMode());
+}
+
+// Frames of two cameras must never meet in one run, nor may a run wait for a camera that is gone.
+void MainWindow::stopDetection(const QString& reason)
+{
+    m_detection.cancel();
+    if (m_detectionDialogue != nullptr && m_detectionDialogue->isRunning()) {
+        m_detectionDialogue->abortDetect();
+        m_detectionDialogue->setMessage(reason);
+    }
 }
 
 void MainWindow::connectDetectionRun()
