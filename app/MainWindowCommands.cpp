@@ -141,6 +141,11 @@ void MainWindow::openCamera()
     reportErrors([&] {
         m_statusReset = StatusResetMarker;
         m_camera.open(static_cast<int>(camera.devId));
+        // A control that stood at the cap already has nothing to answer when the camera comes with
+        // a higher rate, and would show what the camera does not do.
+        if (m_camera.framerate().value > m_camera.framerate().max) {
+            m_camera.setFramerate(m_camera.framerate().max);
+        }
         m_camera.setBadPixelCorrection(action(Command::HotpixelCorrection)->isChecked());
         onZoomChanged(action(Command::Zoom1To1));
         m_camera.startLive();
