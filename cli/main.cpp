@@ -3,6 +3,7 @@
 #include "cli/Companion.h"
 #include "cli/Console.h"
 #include "cli/Interruption.h"
+#include "support/Utf8Locale.h"
 
 #include <QCoreApplication>
 
@@ -34,6 +35,7 @@ int main(int argc, char** argv)
 #ifdef Q_OS_WIN
     const Utf8Output utf8;
 #endif
+    support::chooseUtf8Locale();
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationVersion(QStringLiteral(VORN_VERSION));
     Interruption interruption;
