@@ -312,7 +312,7 @@ TEST_F(MainWindowCamera, StatusIgnoresAChangeOfTheListUntilItsTimerFires)
     add({30, 30});
     call("updateStatusBadpixel");
     EXPECT_EQ(label("statusUserCount"), "U: 1");
-    emit statusTimer()->timeout({});
+    ASSERT_TRUE(QMetaObject::invokeMethod(statusTimer(), "timeout"));
     EXPECT_EQ(label("statusUserCount"), "U: 2");
 }
 
