@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 #include "camera/CameraSdk.h"
 #include "camera/SdkExtras.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "camera/CameraSdk.h"
 #include "camera/SdkExtras.h"
 #include "cli/Companion.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/Utf8Locale.h"
 
 #ifndef _WIN32

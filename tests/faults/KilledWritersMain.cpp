@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 #include "hotpixel/BadpixelListFile.h"
 #include "simulator/SimulatedCameraSdk.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/Utf8Locale.h"
 #include "tests/soak/Soak.h"
 
