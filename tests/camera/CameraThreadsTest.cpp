@@ -4,6 +4,7 @@
 #include <QTest>
 
 #include <atomic>
+#include <chrono>
 #include <thread>
 
 #ifdef VORN_HELD_WAIT
@@ -192,8 +193,8 @@ TEST_F(CameraThreads, OfFramesAndReconnectionMayHangInTheSdkAtTheClosing)
     });
     const QStringList last = callsWhilePulsing([this] { camera.reset(); });
     release.join();
-    // Neither was terminated inside the SDK.
-    EXPECT_TRUE(last.contains(QStringLiteral("exitEvent(7, 2)")));
+    // The frame thread was given up, so it calls nothing more; the other one only took its time.
+    EXPECT_FALSE(last.contains(QStringLiteral("exitEvent(7, 2)")));
     EXPECT_TRUE(last.contains(QStringLiteral("exitEvent(7, 9)")));
 }
 
@@ -210,6 +211,69 @@ TEST_F(CameraThreads, OfReconnectionIsNotTerminatedHoweverLongItTakes)
     EXPECT_TRUE(noted("exitEvent(7, 9)")) << "and then lets the SDK's event go";
 }
 #endif
+
+TEST_F(CameraThreads, ThatAreGivenUpReleaseNothingOfTheNextOpening)
+{
+    camera->open(5);
+    const EventHandle goOn = createEventObject();
+    sdk.onDisableEvent = [goOn](int id) {
+        if (id == 2) {
+            waitForEventObject(goOn, LongMsec);
+        }
+    };
+    callsWhilePulsing([this] { camera->close(); });
+    sdk.onDisableEvent = nullptr;
+    camera->open(5);
+    sdk.takeCalls();
+    signalEventObject(goOn);
+    const QStringList calls = callsWhilePulsing([] { QTest::qWait(200); });
+    EXPECT_FALSE(calls.contains(QStringLiteral("exitEvent(7, 2)")));
+}
+
+TEST_F(CameraThreads, ThatNeverComeBackAreLeftToThemselvesAtTheEnd)
+{
+    camera->open(5);
+    const EventHandle goOn = createEventObject();
+    const EventHandle cameBack = createEventObject();
+    sdk.onDisableEvent = [goOn, cameBack](int id) {
+        if (id == 2) {
+            waitForEventObject(goOn, LongMsec);
+            signalEventObject(cameBack);
+        }
+    };
+    callsWhilePulsing([this] { camera.reset(); }); // ends
+    EXPECT_FALSE(waitForEventObject(cameBack, 0));
+    signalEventObject(goOn);
+    ASSERT_TRUE(waitForEventObject(cameBack, LongMsec));
+    const QStringList calls = callsWhilePulsing([] { QTest::qWait(200); });
+    EXPECT_FALSE(calls.contains(QStringLiteral("exitEvent(7, 2)")));
+}
+
+TEST_F(CameraThreads, EventsThatWereQueuedBeforeAnOpeningAreNotThoseOfTheNext)
+{
+    camera->open(5);
+    for (const int id : {2, 9, 128, 8, 130, 129}) {
+        signalEventObject(sdk.event(id));
+    }
+    // Until each thread has queued its event; nobody has taken one up.
+    std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    callsWhilePulsing([this] { camera->close(); });
+    camera->open(5);
+    EXPECT_EQ(camera->failedCount(), 0);
+    sdk.takeCalls();
+    QCoreApplication::processEvents();
+    const QStringList calls = sdk.takeCalls();
+    EXPECT_EQ(camera->frameCount(), 0);
+    EXPECT_FALSE(calls.contains(QStringLiteral("-> newImage")));
+    EXPECT_FALSE(calls.contains(QStringLiteral("-> cameraReconnect")));
+    EXPECT_FALSE(calls.contains(QStringLiteral("-> cameraRemoved")));
+    EXPECT_TRUE(calls.contains(QStringLiteral("-> cameraNewDevice")));
+    EXPECT_TRUE(calls.contains(QStringLiteral("-> cameraRemovedDevice")));
+    EXPECT_GT(camera->failedCount(), 0);
+
+    signalEventObject(sdk.event(2));
+    EXPECT_TRUE(noted("-> newImage"));
+}
 
 TEST_F(CameraThreads, SurviveManyOpeningsAndClosings)
 {
