@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 #include "detection/DetectionDialogue.h"
 #include "ui_MainWindow.h"

@@ -1,7 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 #include "camera/CameraSdk.h"
 #include "camera/SdkExtras.h"
 #include "res/Resources.h"
+#include "support/Utf8Locale.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -11,6 +13,7 @@
 /// The editor. No arguments are interpreted but Qt's own.
 int main(int argc, char** argv)
 {
+    support::chooseUtf8Locale();
     const QApplication application(argc, argv);
     res::load();
     QApplication::setWindowIcon(QIcon(QStringLiteral(":/res/Vorn.ico"))); // of boxes, too

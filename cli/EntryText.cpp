@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/EntryText.h"
 
 #include <QCoreApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/SimulatedCamerasWindow.h"
 
 #include "simulator/SimulatedCameraSdk.h"

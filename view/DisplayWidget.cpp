@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "view/DisplayWidget.h"
 
 #include "hotpixel/BadpixelListModel.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "detection/DetectionDialogue.h"
 #include "tests/app/WindowTest.h"
 #include "view/DisplayWidget.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/camera/CameraFixture.h"
 
 #include <QTest>
@@ -5,6 +6,49 @@
 #include <atomic>
 #include <chrono>
 #include <thread>
+
+#ifdef VORN_HELD_WAIT
+
+#include <cerrno>
+#include <cstring>
+#include <semaphore.h>
+#include <unistd.h>
+
+namespace {
+
+// One wait for an event object that lasts as long as the test wants: the linker puts the function
+// below into the place of sem_clockwait() for this program.
+std::atomic<EventHandle> s_held = nullptr; ///< the event object
+std::atomic<bool> s_isHeld = false;        ///< somebody waits for it
+
+bool isSemaphoreOf(const sem_t* semaphore, EventHandle event)
+{
+    constexpr std::ptrdiff_t LargestEventObject = 64;
+    const auto offset = reinterpret_cast<const char*>(semaphore) - static_cast<const char*>(event);
+    return event != nullptr && offset >= 0 && offset < LargestEventObject;
+}
+
+} // namespace
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's names
+extern "C" int __real_sem_clockwait(sem_t* semaphore, clockid_t clock, const timespec* deadline);
+extern "C" int __wrap_sem_clockwait(sem_t* semaphore, clockid_t clock, const timespec* deadline);
+
+int __wrap_sem_clockwait(sem_t* semaphore, clockid_t clock, const timespec* deadline)
+{
+    if (!isSemaphoreOf(semaphore, s_held)) {
+        return __real_sem_clockwait(semaphore, clock, deadline);
+    }
+    s_isHeld = true;
+    while (s_held != nullptr) {
+        usleep(1000); // ends a terminated thread, as sem_clockwait() does
+    }
+    errno = ETIMEDOUT;
+    return -1;
+}
+// NOLINTEND(bugprone-reserved-identifier)
+
+#endif
 
 namespace {
 
@@ -153,6 +197,20 @@ TEST_F(CameraThreads, OfFramesAndReconnectionMayHangInTheSdkAtTheClosing)
     EXPECT_FALSE(last.contains(QStringLiteral("exitEvent(7, 2)")));
     EXPECT_TRUE(last.contains(QStringLiteral("exitEvent(7, 9)")));
 }
+
+#ifdef VORN_HELD_WAIT
+TEST_F(CameraThreads, OfReconnectionIsNotTerminatedHoweverLongItTakes)
+{
+    camera->open(5);
+    s_held = sdk.event(9);
+    ASSERT_TRUE(QTest::qWaitFor([] { return s_isHeld.load(); }, LongMsec));
+    const QStringList calls = callsWhilePulsing([this] { camera->close(); });
+    EXPECT_TRUE(calls.contains(QStringLiteral("exitEvent(7, 2)")));
+    EXPECT_FALSE(calls.contains(QStringLiteral("exitEvent(7, 9)"))) << "it still waits";
+    s_held = nullptr;
+    EXPECT_TRUE(noted("exitEvent(7, 9)")) << "and then lets the SDK's event go";
+}
+#endif
 
 TEST_F(CameraThreads, ThatAreGivenUpReleaseNothingOfTheNextOpening)
 {

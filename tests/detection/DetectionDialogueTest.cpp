@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "detection/DetectionDialogue.h"
 
 #include <QCheckBox>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/view/ViewTestSupport.h"
 #include "view/DisplayWidget.h"
 
