@@ -84,7 +84,7 @@ simulator::Places simulator::placesBeside(const QRect& main, const QSize& size, 
     if (const int top = corner.y() - main.height(); top >= screen.top()) {
         return {{main.left(), top}, {x, corner.y()}};
     }
-    return {main.topLeft(), corner};
+    return {screen.topLeft(), corner};
 }
 
 SimulatedCamerasWindow::SimulatedCamerasWindow(SimulatedCameraSdk& sdk, QWidget* parent)
@@ -149,7 +149,7 @@ void SimulatedCamerasWindow::placeBesideMainWindow()
     }
     const auto [mainPlace, place] = simulator::placesBeside(
         main->frameGeometry(), frameGeometry().size(), main->screen()->availableGeometry());
-    if (mainPlace != main->pos()) {
+    if (mainPlace != main->pos() && !main->isMaximized() && !main->isFullScreen()) {
         main->move(mainPlace);
     }
     move(place);

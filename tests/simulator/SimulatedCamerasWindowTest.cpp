@@ -208,8 +208,13 @@ TEST(SimulatedCamerasPlace, SendsTheMainWindowUpWhereThatMakesRoomBelow)
     EXPECT_EQ(places.other, QPoint(240, 650));
 }
 
-TEST(SimulatedCamerasPlace, IsTheCornerOfAScreenWithoutRoomForBoth)
+TEST(SimulatedCamerasPlace, IsTheOppositeCornerOfAScreenWithoutRoomForBoth)
 {
+    const simulator::Places dense =
+        simulator::placesBeside({240, 50, 800, 626}, {750, 150}, {0, 0, 1280, 720});
+    EXPECT_EQ(dense.main, QPoint(0, 0));
+    EXPECT_EQ(dense.other, QPoint(530, 570));
+
     const simulator::Places places =
         simulator::placesBeside({0, 0, 1280, 800}, {760, 150}, {0, 0, 1280, 800});
     EXPECT_EQ(places.main, QPoint(0, 0));
