@@ -158,7 +158,7 @@ void SimulatedCamera::loadEeprom()
     EepromContent fresh{false, positionsOf(m_model.factoryPixels()),
                         positionsOf(m_model.userPixels())};
     if (writeEeprom(fresh) != simulator::Success) {
-        qWarning("%s", m_failureDetail.c_str());
+        // Nothing to say: it is made the same again, and who writes a list is told.
         m_eeprom = std::move(fresh);
     }
 }
@@ -177,7 +177,7 @@ std::int32_t SimulatedCamera::uploadFirmware(Lock& lock)
     EepromContent content = m_eeprom;
     content.firmwareUploaded = true;
     if (writeEeprom(content) != simulator::Success) {
-        qWarning("%s", m_failureDetail.c_str());
+        // Nothing to say: all that is lost is that the next opening uploads it again.
         m_eeprom = std::move(content);
     }
     return simulator::Success;
