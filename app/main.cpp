@@ -23,8 +23,8 @@ int main(int argc, char** argv)
     QObject::connect(&application, &QGuiApplication::lastWindowClosed, &application,
                      [] { QApplication::exit(0); });
     const std::unique_ptr<CameraSdk> sdk = createCameraSdk();
-    const std::unique_ptr<QObject> sdkWindow = createSdkWindow(*sdk);
     MainWindow window(*sdk);
     window.show();
+    const std::unique_ptr<QObject> sdkWindow = createSdkWindow(*sdk);
     return QApplication::exec();
 }

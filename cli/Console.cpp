@@ -5,11 +5,14 @@
 
 #include <QByteArray>
 
+#include <algorithm>
 #include <array>
 
 #ifdef Q_OS_WIN
 #include <io.h>
+#include <windows.h>
 #else
+#include <sys/ioctl.h>
 #include <unistd.h>
 #endif
 
@@ -30,6 +33,21 @@ bool isTerminal(std::FILE* stream)
     return _isatty(descriptorOf(stream)) != 0;
 #else
     return isatty(descriptorOf(stream)) != 0;
+#endif
+}
+
+/// The columns of the terminal behind @p stream; 80 when it does not say.
+qsizetype terminalWidth(std::FILE* stream)
+{
+    constexpr qsizetype UnknownWidth = 80;
+#ifdef Q_OS_WIN
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    const auto console = reinterpret_cast<HANDLE>(_get_osfhandle(descriptorOf(stream)));
+    return GetConsoleScreenBufferInfo(console, &info) != 0 ? info.dwSize.X : UnknownWidth;
+#else
+    winsize size{};
+    const bool known = ioctl(descriptorOf(stream), TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return known ? size.ws_col : UnknownWidth;
 #endif
 }
 
@@ -70,6 +88,13 @@ void Console::setProgressLine(const QString& text)
     write(m_err, text);
     std::fflush(m_err);
     m_progressLine = text;
+}
+
+qsizetype Console::progressWidth() const
+{
+    // ^C, and the last column, behind which some terminals begin a new line at once.
+    constexpr qsizetype KeptFree = 3;
+    return std::max<qsizetype>(1, terminalWidth(m_err) - KeptFree);
 }
 
 bool Console::confirm(const QString& question, const Interruption& interruption)
@@ -116,8 +141,9 @@ void Console::clearProgressLine()
     if (m_progressLine.isEmpty()) {
         return;
     }
-    // Blanks instead of an escape sequence: every terminal knows them.
-    write(m_err, u'\r' + QString(m_progressLine.size(), u' ') + u'\r');
+    // Blanks instead of an escape sequence: every terminal knows them. All over the line, since
+    // what was typed meanwhile stands behind the text.
+    write(m_err, u'\r' + QString(terminalWidth(m_err) - 1, u' ') + u'\r');
     std::fflush(m_err);
     m_progressLine.clear();
 }

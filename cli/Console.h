@@ -24,7 +24,12 @@ public:
     void notice(const QString& text);
 
     /// Replaces the progress line, which stands below everything else; an empty text removes it.
+    /// @param text at most progressWidth() characters
     void setProgressLine(const QString& text);
+
+    /// How long a progress line may be on the terminal as it is now, so that it and what a key that
+    /// is pressed meanwhile shows (as ^C) stay on one line.
+    [[nodiscard]] qsizetype progressWidth() const;
 
     /// Whether somebody can see a progress line: standard error is a terminal.
     [[nodiscard]] bool showsProgress() const { return m_showsProgress; }

@@ -194,10 +194,9 @@ void DetectCommand::run(const QStringList& values, const QCommandLineParser& par
     }
     const double framesPerSecond = camera.framerate().value;
     report.line(chosen.description());
-    report.line(tr("Sensor: %1 × %2 pixels, %3")
-                    .arg(camera.imageWidth())
-                    .arg(camera.imageHeight())
-                    .arg(camera.colorMode() == camera::ColorModeBayer8 ? tr("raw Bayer")
+    report.line(tr("Sensor: %1 pixels, %2")
+                    .arg(cli::sizeText({camera.imageWidth(), camera.imageHeight()}),
+                         camera.colorMode() == camera::ColorModeBayer8 ? tr("raw Bayer")
                                                                        : tr("monochrome")));
     report.line(tr("Images: %1 per second, exposure %2 ms, master gain %3")
                     .arg(framesPerSecond, 0, 'f', 2)

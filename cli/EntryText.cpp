@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "cli/EntryText.h"
 
+#include "support/Utf8Locale.h"
+
 #include <QCoreApplication>
 
 #include <algorithm>
@@ -50,4 +52,12 @@ QString cli::entryCount(std::size_t count)
 {
     return count == 1 ? QCoreApplication::translate("EntryText", "1 entry")
                       : QCoreApplication::translate("EntryText", "%1 entries").arg(count);
+}
+
+QString cli::sizeText(const QSize& size)
+{
+    return QStringLiteral("%1 %2 %3")
+        .arg(size.width())
+        .arg(support::environmentShowsUtf8() ? QChar(u'×') : QChar(u'x'))
+        .arg(size.height());
 }

@@ -8,8 +8,9 @@
 
 namespace {
 
-constexpr int BarWidth = 30;
-constexpr int MarkWidth = 3;
+constexpr qsizetype GreatestBarWidth = 30;
+constexpr qsizetype LeastBarWidth = 6; ///< a shorter one shows nothing
+constexpr qsizetype MarkWidth = 3;
 
 } // namespace
 
@@ -43,23 +44,30 @@ void ProgressBar::draw()
     auto next = m_start + 1s;
     int tick = 0;
     while (!m_wakeUp.wait_until(lock, next, [this] { return m_ended; })) {
-        m_console.setProgressLine(cli::progressLine(m_label, m_done, m_total, tick));
+        m_console.setProgressLine(
+            cli::progressLine(m_label, m_done, m_total, tick, m_console.progressWidth()));
         ++tick;
         next += 200ms;
     }
 }
 
-QString cli::progressLine(const QString& label, int done, int total, int tick)
+QString cli::progressLine(const QString& label, int done, int total, int tick, qsizetype width)
 {
-    QString bar(BarWidth, u'.');
-    if (total > 0) {
-        const int filled = BarWidth * std::clamp(done, 0, total) / total;
-        bar.replace(0, filled, QString(filled, u'#'));
-        return QStringLiteral("%1 [%2] %3/%4").arg(label, bar).arg(done).arg(total);
+    const QString count = total > 0 ? QStringLiteral(" %1/%2").arg(done).arg(total) : QString();
+    const qsizetype barWidth = std::min(GreatestBarWidth, width - label.size() - count.size() -
+                                                              QStringView(u" []").size());
+    if (barWidth < LeastBarWidth) {
+        return label.left(width - count.size()) + count;
     }
-    // There and back again.
-    const int path = BarWidth - MarkWidth;
-    const int step = tick % (2 * path);
-    bar.replace(step <= path ? step : 2 * path - step, MarkWidth, QString(MarkWidth, u'#'));
-    return QStringLiteral("%1 [%2]").arg(label, bar);
+    QString bar(barWidth, u'.');
+    if (total > 0) {
+        const qsizetype filled = barWidth * std::clamp(done, 0, total) / total;
+        bar.replace(0, filled, QString(filled, u'#'));
+    } else {
+        // There and back again.
+        const qsizetype path = barWidth - MarkWidth;
+        const qsizetype step = tick % (2 * path);
+        bar.replace(step <= path ? step : 2 * path - step, MarkWidth, QString(MarkWidth, u'#'));
+    }
+    return QStringLiteral("%1 [%2]%3").arg(label, bar, count);
 }

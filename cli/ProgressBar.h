@@ -42,8 +42,9 @@ private:
 
 namespace cli {
 
-/// One state of the bar, at most 79 characters with a label of up to 30: "Label [####......] 4/10".
-/// With no @p total a mark that moves with @p tick instead.
-QString progressLine(const QString& label, int done, int total, int tick);
+/// One state of the bar: "Label [####......] 4/10". With no @p total a mark that moves with @p tick
+/// instead. It takes at most @p width characters: where they are few, the bar becomes shorter, then
+/// it is left out, then the label is cut off.
+QString progressLine(const QString& label, int done, int total, int tick, qsizetype width = 79);
 
 } // namespace cli

@@ -2,6 +2,7 @@
 #include "cli/UserListFile.h"
 
 #include "cli/CommandError.h"
+#include "cli/EntryText.h"
 
 #include <QByteArrayList>
 #include <QCoreApplication>
@@ -117,11 +118,10 @@ SensorEntries userEntriesOf(std::span<const BadpixelEntry> entries, const QSize&
             continue;
         }
         if (entry.y >= sensor.height() || entry.x > sensor.width()) {
-            throw CommandError(tr("The entry (%1, %2) lies outside the sensor of %3 × %4 pixels.")
+            throw CommandError(tr("The entry (%1, %2) lies outside the sensor of %3 pixels.")
                                    .arg(entry.x)
                                    .arg(entry.y)
-                                   .arg(sensor.width())
-                                   .arg(sensor.height()));
+                                   .arg(sizeText(sensor)));
         }
         result.beside += entry.x == sensor.width() ? 1 : 0;
         result.entries.push_back(entry);

@@ -75,8 +75,8 @@ void writeDevice(const QString& filename, const QByteArray& content)
     }
 }
 
-/// For a file in a folder that takes no other one. What makes it longer is written first: only that
-/// needs room on the disk, and it can be cut off again.
+/// For a file that no other one can take the place of. What makes it longer is written first: only
+/// that needs room on the disk, and it can be cut off again.
 void overwrite(const QString& filename, const QByteArray& content)
 {
     QFile file(filename);
@@ -115,8 +115,13 @@ void writeListFile(const QString& filename, std::span<const BadpixelEntry> entri
         overwrite(filename, content);
         return;
     }
-    if (!writeAll(file, content) || !file.commit()) {
+    if (!writeAll(file, content)) {
         fail(CantWrite);
+    }
+    // The new file is complete, so what fails now is its name: the old file is a mount point,
+    // somebody else's in a sticky folder, or open elsewhere; or there can be no file of this name.
+    if (!file.commit()) {
+        overwrite(filename, content);
     }
 }
 

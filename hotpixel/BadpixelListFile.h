@@ -17,8 +17,10 @@ namespace hotpixel {
 /// Windows); all others are left out.
 ///
 /// An existing file is replaced only when the new one is complete, so a failure leaves it as it
-/// was. A file in a folder in which no other file can be made is written in place: a full disk
-/// leaves it as it was, a program killed meanwhile does not. Devices are written in place as well.
+/// was. A file that can't be replaced is written in place, be it that no other one can be made in
+/// its folder or that the new one can't take its name (a mount point, somebody else's file in a
+/// sticky folder, on Windows one that is open elsewhere): a full disk leaves it as it was, a
+/// program killed meanwhile does not. Devices are written in place as well.
 ///
 /// @throws std::runtime_error "Can't open file for writing." when @p filename can't be made or
 ///         written to, or is a folder or a pipe.

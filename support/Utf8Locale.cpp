@@ -5,7 +5,9 @@
 
 #include <clocale>
 #include <cstdlib>
+#include <cstring>
 #include <langinfo.h>
+#include <locale.h>
 #include <string>
 #include <string_view>
 #include <strings.h>
@@ -18,10 +20,38 @@ bool isUtf8()
     return strcasecmp(encoding, "UTF-8") == 0 || strcasecmp(encoding, "utf8") == 0;
 }
 
+bool namesUtf8(const char* name)
+{
+    return strcasestr(name, "utf-8") != nullptr || strcasestr(name, "utf8") != nullptr;
+}
+
+bool askEnvironment()
+{
+    if (const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr)) {
+        const bool shown = namesUtf8(nl_langinfo_l(CODESET, locale));
+        freelocale(locale);
+        return shown;
+    }
+    for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
+        const char* const name = std::getenv(variable);
+        if (name != nullptr && *name != '\0') {
+            return namesUtf8(name);
+        }
+    }
+    return false;
+}
+
 } // namespace
+
+bool support::environmentShowsUtf8()
+{
+    static const bool shown = askEnvironment();
+    return shown;
+}
 
 void support::chooseUtf8Locale()
 {
+    static_cast<void>(environmentShowsUtf8()); // before the environment says otherwise
     if (std::setlocale(LC_ALL, "") != nullptr && isUtf8()) {
         return;
     }
@@ -42,5 +72,10 @@ void support::chooseUtf8Locale()
 #else
 
 void support::chooseUtf8Locale() {}
+
+bool support::environmentShowsUtf8()
+{
+    return true;
+}
 
 #endif

@@ -123,3 +123,22 @@ TEST(ProgressLine, MovesAMarkThereAndBackWhenTheEndIsUnknown)
     EXPECT_EQ(cli::progressLine(QStringLiteral("F"), 0, 0, 27),
               QStringLiteral("F [%1###]").arg(QString(27, u'.')));
 }
+
+TEST(ProgressLine, FitsIntoANarrowTerminal)
+{
+    const QString label = QStringLiteral("Taking dark frames");
+    for (int width = 10; width <= 100; ++width) {
+        for (const int total : {0, 11}) {
+            const QString line = cli::progressLine(label, 10, total, 3, width);
+            EXPECT_LE(line.size(), width) << qPrintable(line);
+            EXPECT_TRUE(line.startsWith(label.left(4))) << qPrintable(line);
+            EXPECT_EQ(line.endsWith(QStringLiteral(" 10/11")), total > 0) << qPrintable(line);
+        }
+    }
+    EXPECT_EQ(cli::progressLine(label, 4, 8, 0, 37),
+              QStringLiteral("Taking dark frames [######......] 4/8"));
+    EXPECT_EQ(cli::progressLine(label, 4, 8, 0, 29), QStringLiteral("Taking dark frames 4/8"))
+        << "a bar of four characters shows nothing";
+    EXPECT_EQ(cli::progressLine(label, 0, 0, 0, 30),
+              QStringLiteral("Taking dark frames [###......]"));
+}

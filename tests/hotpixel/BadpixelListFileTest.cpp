@@ -161,6 +161,23 @@ TEST_F(ListFile, CantBeWrittenOverAFolder)
     EXPECT_EQ(writeError(QString(), TwoUserEntries), "Can't open file for writing.");
 }
 
+TEST_F(ListFile, CantBeOpenedForWritingUnderANameThatNoFileCanHave)
+{
+    EXPECT_EQ(writeError(path(QString(256, u'n')), TwoUserEntries), "Can't open file for writing.");
+}
+
+TEST_F(ListFile, IsReplacedUnderTheLongestNameThatAFileCanHave)
+{
+    // The name of a temporary file beside it would be too long.
+    const QString longest = path(QString(255, u'n'));
+    for (const Entries& entries : {TwoUserEntries, Entries{{7, 8, UserPixel}}}) {
+        EXPECT_EQ(writeError(longest, entries), "no error");
+        EXPECT_EQ(hotpixel::readListFile(longest), entries);
+    }
+    EXPECT_EQ(QFileInfo(longest).dir().entryList(QDir::Files | QDir::Hidden),
+              QStringList{QString(255, u'n')});
+}
+
 TEST_F(ListFile, CantBeReadWhenMissing)
 {
     EXPECT_EQ(readError(path()), "Can't open file for reading.");

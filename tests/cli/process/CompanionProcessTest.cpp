@@ -400,6 +400,26 @@ TEST(CompanionProcess, SaysNothingOfASettingsFileThatIsNotThereButOfOneThatIsWro
 
 #ifdef Q_OS_UNIX
 
+TEST(CompanionProcess, WritesAnXForTheTimesSignWhereTheLocaleHasNone)
+{
+    CompanionBench bench(smallCamera());
+    const QString outside = bench.write(QStringLiteral("list.txt"), "1 48 1\n");
+    for (const char* locale : {"C", "POSIX"}) {
+        bench.setVariable(QStringLiteral("LC_ALL"), QLatin1String(locale));
+        EXPECT_TRUE(bench.run(QStringLiteral("detect 1 --cover"))
+                        .out.contains("Sensor: 64 x 48 pixels, raw Bayer\n"));
+        EXPECT_EQ(errorLine(bench.run(QStringLiteral("write 1 %1 --yes --json"), outside)),
+                  QByteArray("The entry (1, 48) lies outside the sensor of 64 x 48 pixels."));
+    }
+    // One that is not installed says by its name what the terminal shows.
+    for (const char* locale : {"C.UTF-8", "xx_XX.utf8"}) {
+        bench.setVariable(QStringLiteral("LC_ALL"), QLatin1String(locale));
+        EXPECT_TRUE(bench.run(QStringLiteral("detect 1 --cover"))
+                        .out.contains("Sensor: 64 × 48 pixels, raw Bayer\n"))
+            << locale;
+    }
+}
+
 TEST(CompanionProcess, ClosesTheCameraWhenItIsInterrupted)
 {
     for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
