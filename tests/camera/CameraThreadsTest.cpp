@@ -5,6 +5,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <memory>
 #include <thread>
 
 #ifdef VORN_HELD_WAIT
@@ -216,13 +217,13 @@ TEST_F(CameraThreads, ThatAreGivenUpReleaseNothingOfTheNextOpening)
 {
     camera->open(5);
     const EventHandle goOn = createEventObject();
-    sdk.onDisableEvent = [goOn](int id) {
-        if (id == 2) {
+    const auto first = std::make_shared<std::atomic<bool>>(true);
+    sdk.onDisableEvent = [goOn, first](int id) {
+        if (id == 2 && first->exchange(false)) {
             waitForEventObject(goOn, LongMsec);
         }
     };
     callsWhilePulsing([this] { camera->close(); });
-    sdk.onDisableEvent = nullptr;
     camera->open(5);
     sdk.takeCalls();
     signalEventObject(goOn);

@@ -239,6 +239,22 @@ TEST_F(CameraExchange, ForgetsThePositionsOfTheListsBefore)
     EXPECT_TRUE(m_model.addBadpixel({2, 2}));
 }
 
+TEST_F(CameraExchange, KnowsTheEntriesItReadAlsoWhenTheListBeforeHadBecomeEmpty)
+{
+    m_model.setMaxUserEntries(10);
+    EXPECT_TRUE(m_model.addBadpixel({5, 5})) << "the positions are known from here on";
+    EXPECT_TRUE(m_model.removeUserBadpixel(0));
+
+    m_sdk.factoryCount = 1;
+    m_sdk.factoryList = {1, 7, 7};
+    m_sdk.userCount = 1;
+    m_sdk.userList = {1, 8, 8};
+    m_model.getBadpixelList(&m_camera);
+    EXPECT_FALSE(m_model.addBadpixel({7, 7}));
+    EXPECT_FALSE(m_model.addBadpixel({8, 8}));
+    EXPECT_TRUE(m_model.addBadpixel({5, 5}));
+}
+
 TEST_F(CameraExchange, WritesTheUserEntriesInListOrder)
 {
     load("9 9 1\n1 1 0\n65535 4 1\n2 2 2\n");
