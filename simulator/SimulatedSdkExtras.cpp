@@ -13,8 +13,7 @@ std::vector<SdkSwitch> sdkSwitches()
         }
     };
     return {{QStringLiteral("cover"),
-             QCoreApplication::translate("SdkExtras", "Cover the simulated camera."),
-             cover}};
+             QCoreApplication::translate("SdkExtras", "Cover the simulated camera."), cover}};
 }
 
 std::unique_ptr<QObject> createSdkWindow(CameraSdk& sdk)
