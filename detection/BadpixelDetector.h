@@ -71,8 +71,7 @@ public:
     ///
     /// The pixel at (x, y) is byte y * width + x of the image, as if its lines had no padding. And
     /// a line is left only when x is greater than the width, so x == width is visited, which is
-    /// the first pixel of the next line. Both are deliberate: the elements from the second line on
-    /// are shifted against the image, and the averaging and the reporting pass have to agree on it.
+    /// the first pixel of the next line (behaviour.md: walk-past-the-line).
     class ImageIterator : public Matrix<unsigned int>::Iterator
     {
     public:
