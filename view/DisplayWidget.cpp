@@ -2,6 +2,7 @@
 #include "view/DisplayWidget.h"
 
 #include "hotpixel/BadpixelListModel.h"
+#include "view/Rgb32Picture.h"
 
 #include <QItemSelectionModel>
 #include <QKeyEvent>
@@ -12,7 +13,6 @@
 #include <QScrollBar>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <optional>
@@ -68,54 +68,6 @@ protected:
         QPainter(this).drawPixmap(event->rect(), picture, event->rect());
     }
 };
-
-/// Whether a picture of @p size can be written into the memory of @p image without a copy of it.
-bool isReusable(const QImage& image, const QSize& size)
-{
-    return image.size() == size && image.format() == QImage::Format_RGB32 && image.isDetached();
-}
-
-/// What QImage::convertToFormat() gives, never sharing memory with @p image, and in the memory of
-/// @p memory where that fits.
-QImage toRgb32(const QImage& image, QImage& memory)
-{
-    QImage result = std::exchange(memory, QImage());
-    if (!isReusable(result, image.size())) {
-        result = QImage();
-        result = QImage(image.size(), QImage::Format_RGB32);
-    }
-    if (result.isNull()) {
-        return result;
-    }
-    switch (image.format()) {
-    case QImage::Format_Indexed8: {
-        const QList<QRgb> colors = image.colorTable();
-        std::array<QRgb, 256> table = {};
-        for (int i = 0; i < 256; ++i) {
-            // Without a table indexes are greys; indexes beyond it are those of its last colour.
-            table[static_cast<std::size_t>(i)] =
-                colors.isEmpty() ? qRgb(i, i, i)
-                                 : 0xff000000U | colors[std::min<qsizetype>(i, colors.size() - 1)];
-        }
-        for (int y = 0; y < image.height(); ++y) {
-            const uchar* const from = image.constScanLine(y);
-            std::transform(from, from + image.width(), reinterpret_cast<QRgb*>(result.scanLine(y)),
-                           [&table](uchar index) { return table[index]; });
-        }
-        break;
-    }
-    case QImage::Format_RGB32:
-        for (int y = 0; y < image.height(); ++y) {
-            std::copy_n(reinterpret_cast<const QRgb*>(image.constScanLine(y)), image.width(),
-                        reinterpret_cast<QRgb*>(result.scanLine(y)));
-        }
-        break;
-    default:
-        result = image.convertToFormat(QImage::Format_RGB32);
-        break;
-    }
-    return result;
-}
 
 /// Makes each pixel a square of @p factor x @p factor. Each line is made once and copied: it is in
 /// the cache then, and writing is all that takes time.
@@ -191,7 +143,8 @@ void DisplayWidget::redrawImage()
     QImage former = m_label->pixmap().toImage();
     m_label->clear();
     QImage kept = std::move(m_picture);
-    QImage picture = toRgb32(m_image, shownSize(m_image.size()) == m_image.size() ? former : kept);
+    QImage picture =
+        view::toRgb32(m_image, shownSize(m_image.size()) == m_image.size() ? former : kept);
     kept = QImage();
     if (picture.isNull()) {
         return;
@@ -298,7 +251,7 @@ QImage DisplayWidget::scaled(const QImage& picture, QImage& memory) const
     }
     // What QImage::scaled() with Qt::FastTransformation gives, in memory that is there already.
     QImage former = std::exchange(memory, QImage());
-    if (!isReusable(former, size)) {
+    if (!view::isReusable(former, size)) {
         former = QImage(); // before the new one is fetched: an enlarged picture takes a gigabyte
         former = QImage(size, QImage::Format_RGB32);
     }

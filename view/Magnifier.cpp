@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "view/Magnifier.h"
 
+#include "view/Rgb32Picture.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -129,7 +131,7 @@ void Magnifier::setZoom(int zoom)
 
 void Magnifier::setImage(QImage& image)
 {
-    m_image = image.convertToFormat(QImage::Format_RGB32);
+    m_image = view::toRgb32(image, m_image);
     redrawImage();
 }
 
