@@ -375,16 +375,20 @@ void MainWindow::setSelection(QModelIndex topLeft, QModelIndex /*bottomRight*/)
         scrollTo(m_form->display->verticalScrollBar(), entry.y, shown->height(), m_scaleFactor);
         scrollTo(m_form->display->horizontalScrollBar(), entry.x, shown->width(), m_scaleFactor);
         m_badpixelListView->scrollTo(topLeft);
-        const QString shownClass = topLeft.siblingAtColumn(PixelclassColumn).data().toString();
-        action(Command::Delete)->setEnabled(shownClass != QLatin1String("factory"));
-    } else {
-        action(Command::Delete)->setEnabled(false);
     }
+    enableDelete(topLeft);
     // Where the magnifier's new position selected the entry first, the image shows all of it by
     // now.
     if (m_redraws == redrawsBefore) {
         redraw();
     }
+}
+
+void MainWindow::enableDelete(const QModelIndex& selected)
+{
+    const QString shownClass = selected.siblingAtColumn(PixelclassColumn).data().toString();
+    action(Command::Delete)
+        ->setEnabled(selected.isValid() && shownClass != QLatin1String("factory"));
 }
 
 void MainWindow::addNewBadpixel()
