@@ -1,6 +1,5 @@
 #include "camera/SdkExtras.h"
 #include "simulator/SimulatedCameraSdk.h"
-#include "simulator/SimulatedCamerasWindow.h"
 
 #include <QCoreApplication>
 
@@ -14,15 +13,4 @@ std::vector<SdkSwitch> sdkSwitches()
     return {{QStringLiteral("cover"),
              QCoreApplication::translate("SdkExtras", "Put the lens cap on the simulated camera."),
              cover}};
-}
-
-std::unique_ptr<QObject> createSdkWindow(CameraSdk& sdk)
-{
-    auto* simulated = dynamic_cast<SimulatedCameraSdk*>(&sdk);
-    if (simulated == nullptr) {
-        return nullptr;
-    }
-    auto window = std::make_unique<SimulatedCamerasWindow>(*simulated);
-    window->show();
-    return window;
 }
