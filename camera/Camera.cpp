@@ -1,17 +1,22 @@
+// SPDX-License-Identifier: MIT
 #include "camera/Camera.h"
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QList>
 #include <QScopedValueRollback>
 
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
 constexpr const char* SettingsFile = "./VornHotpixelEditor.ini";
 constexpr int NoticeMsec = 2000;
 constexpr unsigned long StopMsec = 500;
+constexpr int LetGoMsec = 5000; // then a thread that the SDK does not let go is left to itself
 constexpr std::size_t BufferCount = 2;
 constexpr std::int32_t DefaultUploadMsec = 25000;
 constexpr double MaxFramesPerSecond = 2.0;
@@ -55,21 +60,12 @@ double relativeValue(int position, const CameraParameter<double>& parameter)
     return std::isnan(value) ? parameter.min : value; // 0 / 0, of a range that is a single value
 }
 
-// Tells what was read back from the camera. Its controls move then, and what they say because of
-// that is not the user's wish: with a new range alone, a control that stood outside of it would
-// otherwise set the camera.
-template <typename Telling>
-void tell(bool& setting, const Telling& telling)
+void waitOrTerminate(const std::unique_ptr<EventThread>& waitedFor,
+                     const std::unique_ptr<EventThread>& terminated)
 {
-    const QScopedValueRollback<bool> guard(setting, true);
-    telling();
-}
-
-void waitOrTerminate(EventThread& waitedFor, EventThread& terminated)
-{
-    if (!waitedFor.wait(StopMsec)) {
-        terminated.terminate();
-        terminated.wait(StopMsec); // it can't be started again before it has ended
+    if (!waitedFor->wait(StopMsec)) {
+        terminated->terminate();
+        terminated->wait(StopMsec); // it can't be started again before it has ended
     }
 }
 
@@ -78,20 +74,23 @@ void waitOrTerminate(EventThread& waitedFor, EventThread& terminated)
 Camera::Camera(CameraSdk& sdk, QObject* parent)
     : QObject(parent)
     , m_sdk(sdk)
-    , m_frameThread(sdk)
-    , m_reconnectThread(sdk)
-    , m_removedThread(sdk)
-    , m_deviceNewThread(sdk)
-    , m_deviceRemovedThread(sdk)
-    , m_frameFailedThread(sdk)
+    , m_frameThread(std::make_unique<EventThread>(sdk))
+    , m_reconnectThread(std::make_unique<EventThread>(sdk))
+    , m_removedThread(std::make_unique<EventThread>(sdk))
+    , m_deviceNewThread(std::make_unique<EventThread>(sdk))
+    , m_deviceRemovedThread(std::make_unique<EventThread>(sdk))
+    , m_frameFailedThread(std::make_unique<EventThread>(sdk))
     , m_sequence(sdk)
 {
-    for (EventThread* thread : {&m_frameThread, &m_reconnectThread, &m_removedThread,
-                                &m_deviceNewThread, &m_deviceRemovedThread, &m_frameFailedThread}) {
-        connect(thread, &EventThread::eventhappen, this, &Camera::eventReceived);
+    for (const auto& thread : {&m_deviceNewThread, &m_deviceRemovedThread, &m_frameFailedThread}) {
+        connect(thread->get(), &EventThread::eventhappen, this, &Camera::eventReceived);
     }
-    m_deviceNewThread.start(0, camera::EventDeviceNew);
-    m_deviceRemovedThread.start(0, camera::EventDeviceRemoved);
+    for (const auto& thread : {&m_frameThread, &m_reconnectThread, &m_removedThread}) {
+        connect(thread->get(), &EventThread::eventhappen, &m_openingsEvents,
+                [this](int event) { eventReceived(event); });
+    }
+    m_deviceNewThread->start(0, camera::EventDeviceNew);
+    m_deviceRemovedThread->start(0, camera::EventDeviceRemoved);
 }
 
 Camera::~Camera()
@@ -102,9 +101,9 @@ Camera::~Camera()
     }
     m_sequence.clear();
 
-    for (EventThread* thread : {&m_frameThread, &m_reconnectThread, &m_deviceNewThread,
-                                &m_deviceRemovedThread, &m_removedThread}) {
-        thread->stop();
+    for (const auto& thread : {&m_frameThread, &m_reconnectThread, &m_deviceNewThread,
+                               &m_deviceRemovedThread, &m_removedThread}) {
+        (*thread)->stop();
     }
     waitOrTerminate(m_frameThread, m_frameThread);
     waitOrTerminate(m_reconnectThread, m_frameThread); // deliberate, see close()
@@ -113,6 +112,12 @@ Camera::~Camera()
     waitOrTerminate(m_removedThread, m_removedThread);
     // Deliberately never told to stop: it runs from the first opening to the end.
     waitOrTerminate(m_frameFailedThread, m_frameFailedThread);
+
+    const QDeadlineTimer deadline(LetGoMsec);
+    for (auto* const thread : {&m_frameThread, &m_reconnectThread, &m_removedThread,
+                               &m_deviceNewThread, &m_deviceRemovedThread, &m_frameFailedThread}) {
+        EventThread::release(std::move(*thread), deadline);
+    }
 
     disconnect(this, nullptr, this, SLOT(eventReceived(int)));
     m_handle = 0;
@@ -144,10 +149,12 @@ void Camera::tryOpen(int cameraId)
     m_sequence.setUp(m_handle, BufferCount,
                      {m_sensorInfo.maxWidth, m_sensorInfo.maxHeight, bitsPerPixel});
 
-    m_frameThread.start(m_handle, camera::EventFrame);
-    m_reconnectThread.start(m_handle, camera::EventReconnected);
-    m_removedThread.start(m_handle, camera::EventRemoved);
-    m_frameFailedThread.start(m_handle, camera::EventFrameFailed);
+    // What these threads reported of a former opening, and nobody has taken up since.
+    QCoreApplication::removePostedEvents(&m_openingsEvents);
+    m_frameThread->start(m_handle, camera::EventFrame);
+    m_reconnectThread->start(m_handle, camera::EventReconnected);
+    m_removedThread->start(m_handle, camera::EventRemoved);
+    m_frameFailedThread->start(m_handle, camera::EventFrameFailed);
     startLive();
 
     m_cameraId = static_cast<unsigned int>(cameraId);
@@ -177,7 +184,7 @@ CameraSdk::Handle Camera::initCamera(int cameraId)
         result = m_sdk.initCamera(&handle, nullptr);
     }
     if (result != 0) {
-        throw std::runtime_error("Could not initialize camera.");
+        throw std::runtime_error(tr("Could not initialize camera.").toStdString());
     }
     return handle;
 }
@@ -206,7 +213,7 @@ unsigned int Camera::takeColorMode()
         return 8;
     default:
         m_imageFormat = QImage::Format_Invalid;
-        throw std::runtime_error("Color Mode not supported.");
+        throw std::runtime_error(tr("Color Mode not supported.").toStdString());
     }
 }
 
@@ -215,9 +222,9 @@ void Camera::close()
     if (!isOpen()) {
         return;
     }
-    m_frameThread.stop();
-    m_reconnectThread.stop();
-    m_removedThread.stop();
+    m_frameThread->stop();
+    m_reconnectThread->stop();
+    m_removedThread->stop();
     waitOrTerminate(m_frameThread, m_frameThread);
     // Deliberately the frame thread: the reconnect thread may take its time, and is waited for when
     // it is started again or destroyed. Terminated, it would leave its event bound at the SDK.
@@ -259,7 +266,7 @@ const char* Camera::errorText(int code) const
 void Camera::check(int result) const
 {
     if (result != 0) {
-        throw std::runtime_error(errorText(result));
+        throw std::runtime_error(QString::fromLatin1(errorText(result)).toStdString());
     }
 }
 
@@ -410,7 +417,7 @@ void Camera::updatePixelclock()
     m_pixelclock.increment = 1;
     check(m_sdk.setPixelClock(m_handle, m_pixelclock.value));
     m_pixelclock.value = m_sdk.setPixelClock(m_handle, camera::QueryCurrent);
-    tell(s_settingPixelclock, [this] { emit pixelclockChanged(m_pixelclock); });
+    emit pixelclockChanged(m_pixelclock);
     updateFramerate();
 }
 
@@ -425,7 +432,7 @@ void Camera::updateFramerate()
     m_framerate.max = std::min(1.0 / minTime, MaxFramesPerSecond);
     m_framerate.increment = (m_framerate.max - m_framerate.min) / ((maxTime - minTime) / timeStep);
     m_sdk.setFrameRate(m_handle, m_framerate.value, &m_framerate.value);
-    tell(s_settingFramerate, [this] { emit framerateChanged(m_framerate); });
+    emit framerateChanged(m_framerate);
     updateExposure();
 }
 
@@ -435,7 +442,7 @@ void Camera::updateExposure()
     double currentExposureMsec = 0.0; // asked for as the camera is used to, and not needed
     m_sdk.setExposureTime(m_handle, camera::QueryCurrentDouble, &currentExposureMsec);
     m_sdk.setExposureTime(m_handle, m_exposure.value, &m_exposure.value);
-    tell(s_settingExposure, [this] { emit exposureChanged(m_exposure); });
+    emit exposureChanged(m_exposure);
 }
 
 void Camera::updateMastergain()
@@ -444,7 +451,7 @@ void Camera::updateMastergain()
                                                camera::KeepGain, camera::KeepGain);
     m_mastergain.min = 0;
     m_mastergain.max = 100;
-    tell(s_settingMastergain, [this] { emit mastergainChanged(m_mastergain); });
+    emit mastergainChanged(m_mastergain);
 }
 
 void Camera::setAutoConfig()

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Vorn::ordinal: the camera maker's library behind CameraSdk. An executable links it to be the
 # program for real cameras. Windows only.
 #

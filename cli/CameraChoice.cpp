@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/CameraChoice.h"
 
 #include "camera/CameraListModel.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/CameraLists.h"
 
 #include "cli/CommandError.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/CameraSession.h"
 
 #include "cli/Command.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/CamerasCommand.h"
 
 #include "cli/CameraChoice.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/Command.h"
 
 QList<QCommandLineOption> Command::options(const std::vector<SdkSwitch>& /*switches*/) const

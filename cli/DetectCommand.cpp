@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/DetectCommand.h"
 
 #include "cli/CameraLists.h"

@@ -1,50 +1,17 @@
+// SPDX-License-Identifier: MIT
 #include "cli/EntryText.h"
+
+#include "support/Utf8Locale.h"
 
 #include <QCoreApplication>
 
 #include <algorithm>
-
-#ifndef Q_OS_WIN
-#include <langinfo.h>
-#include <locale.h>
-#endif
 
 namespace {
 
 constexpr qsizetype LineWidth = 79;
 constexpr qsizetype Indent = 2;
 constexpr qsizetype Gap = 2;
-
-#ifdef Q_OS_WIN
-
-bool showsUtf8()
-{
-    return true; // main() sees to it
-}
-
-#else
-
-/// Whether the person's locale shows the UTF-8 that is printed. The environment is asked, because
-/// the toolkit moves the process itself to a locale that does.
-bool showsUtf8()
-{
-    QByteArray codeset;
-    if (const locale_t locale = newlocale(LC_CTYPE_MASK, "", nullptr)) {
-        codeset = nl_langinfo_l(CODESET, locale);
-        freelocale(locale);
-    } else {
-        // It is not installed here, as over ssh, but the terminal may well be as its name says.
-        for (const char* variable : {"LC_ALL", "LC_CTYPE", "LANG"}) {
-            if (codeset.isEmpty()) {
-                codeset = qgetenv(variable);
-            }
-        }
-    }
-    codeset = codeset.toLower();
-    return codeset.contains("utf-8") || codeset.contains("utf8");
-}
-
-#endif
 
 } // namespace
 
@@ -91,6 +58,6 @@ QString cli::sizeText(const QSize& size)
 {
     return QStringLiteral("%1 %2 %3")
         .arg(size.width())
-        .arg(showsUtf8() ? QChar(u'×') : QChar(u'x'))
+        .arg(support::environmentShowsUtf8() ? QChar(u'×') : QChar(u'x'))
         .arg(size.height());
 }

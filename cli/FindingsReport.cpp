@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/FindingsReport.h"
 
 #include <QCoreApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/ListOutput.h"
 
 #include "cli/CommandError.h"

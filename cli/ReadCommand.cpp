@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/ReadCommand.h"
 
 #include "cli/CameraLists.h"

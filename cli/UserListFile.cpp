@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/UserListFile.h"
 
 #include "cli/CommandError.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/WriteCommand.h"
 
 #include "cli/CameraSession.h"

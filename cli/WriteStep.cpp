@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/WriteStep.h"
 
 #include "cli/CameraSession.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The four kinds of target that the project has. Everything a folder's CMakeLists.txt does not say
 # about its target is said here, once.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "detection/DetectionRun.h"
 
 #include "detection/HotpixelDetector.h"

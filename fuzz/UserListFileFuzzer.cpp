@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/CommandError.h"
 #include "cli/UserListFile.h"
 #include "fuzz/FuzzedFile.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/SimulatedCamera.h"
 #include "simulator/SimulatedCameraSdk.h"
 

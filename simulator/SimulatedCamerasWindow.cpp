@@ -1,15 +1,22 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/SimulatedCamerasWindow.h"
 
 #include "simulator/SimulatedCameraSdk.h"
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QDir>
 #include <QDoubleSpinBox>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
+#include <QMainWindow>
+#include <QScreen>
 #include <QTimer>
+#include <QWindow>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -47,17 +54,54 @@ constexpr std::array<Switch, 4> Switches{{
      &setState<&SimulatedCameraSdk::setHeldElsewhere>},
 }};
 
+constexpr Qt::WindowFlags Flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                  Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint;
+
+QWidget* mainWindow()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto found = std::find_if(windows.begin(), windows.end(), [](const QWidget* window) {
+        return qobject_cast<const QMainWindow*>(window) != nullptr && window->isVisible();
+    });
+    return found == windows.end() ? nullptr : *found;
+}
+
 } // namespace
 
+simulator::Places simulator::placesBeside(const QRect& main, const QSize& size, const QRect& screen)
+{
+    const QPoint corner(std::max(screen.left(), screen.right() + 1 - size.width()),
+                        std::max(screen.top(), screen.bottom() + 1 - size.height()));
+    const int x = std::clamp(main.left(), screen.left(), corner.x());
+    const int y = std::clamp(main.top(), screen.top(), corner.y());
+    for (const QPoint place :
+         {QPoint(main.right() + 1, y), QPoint(main.left() - size.width(), y),
+          QPoint(x, main.bottom() + 1), QPoint(x, main.top() - size.height())}) {
+        if (screen.contains(QRect(place, size))) {
+            return {main.topLeft(), place};
+        }
+    }
+    if (const int top = corner.y() - main.height(); top >= screen.top()) {
+        return {{main.left(), top}, {x, corner.y()}};
+    }
+    return {screen.topLeft(), corner};
+}
+
 SimulatedCamerasWindow::SimulatedCamerasWindow(SimulatedCameraSdk& sdk, QWidget* parent)
-    : QWidget(parent)
+    : QWidget(parent, Flags)
     , m_sdk(sdk)
 {
     setWindowTitle(tr("Simulated cameras"));
     setObjectName(QStringLiteral("simulatedCameras"));
     setAttribute(Qt::WA_QuitOnClose, false);
+    setAttribute(Qt::WA_ShowWithoutActivating);
 
     auto* layout = new QGridLayout(this);
+    // It shares a small screen with the main window.
+    constexpr int Margin = 6;
+    constexpr int LineSpacing = 2;
+    layout->setContentsMargins(Margin, Margin, Margin, Margin);
+    layout->setVerticalSpacing(LineSpacing);
     int row = 0;
     const QStringList serials = sdk.serials();
     for (const QString& serial : serials) {
@@ -77,6 +121,45 @@ SimulatedCamerasWindow::SimulatedCamerasWindow(SimulatedCameraSdk& sdk, QWidget*
     auto* timer = new QTimer(this);
     connect(timer, &QTimer::timeout, this, &SimulatedCamerasWindow::refresh);
     timer->start(RefreshMsec);
+}
+
+void SimulatedCamerasWindow::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    m_placeAttempts = 0;
+    placeBesideMainWindow();
+}
+
+void SimulatedCamerasWindow::placeBesideMainWindow()
+{
+    // The window manager places the main window and gives both their frames only after a while.
+    constexpr int RetryMsec = 50;
+    constexpr int MaxAttempts = 20;
+    QWidget* const main = mainWindow();
+    const auto isFramed = [](const QWidget* window) {
+        return window->windowHandle()->isExposed() && window->frameGeometry() != window->geometry();
+    };
+    if (main != nullptr && (!isFramed(main) || !isFramed(this)) &&
+        m_placeAttempts++ < MaxAttempts) {
+        QTimer::singleShot(RetryMsec, this, &SimulatedCamerasWindow::placeBesideMainWindow);
+        return;
+    }
+    if (main == nullptr) {
+        return;
+    }
+    const auto [mainPlace, place] = simulator::placesBeside(
+        main->frameGeometry(), frameGeometry().size(), main->screen()->availableGeometry());
+    if (mainPlace != main->pos() && !main->isMaximized() && !main->isFullScreen()) {
+        main->move(mainPlace);
+    }
+    move(place);
+    raise();
+}
+
+void SimulatedCamerasWindow::closeEvent(QCloseEvent* event)
+{
+    // By hand there would be no way to get it back. A program that ends closes it all the same.
+    event->setAccepted(!event->spontaneous());
 }
 
 void SimulatedCamerasWindow::addCamera(QGridLayout* layout, int row, const QString& serial)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "camera/CameraSdk.h"
 #include "simulator/ModelledFrames.h"
 #include "simulator/PixelCorrection.h"

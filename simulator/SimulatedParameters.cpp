@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/IniFile.h"
 #include "simulator/SdkErrors.h"
 #include "simulator/SimulatedCamera.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "camera/SdkExtras.h"
 #include "simulator/SimulatedCameraSdk.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "view/DisplayWidget.h"
 
 #include "hotpixel/BadpixelListModel.h"
@@ -268,6 +269,9 @@ bool DisplayWidget::event(QEvent* event)
     QMouseEvent inViewport(mouse->type(), viewport()->mapFromParent(mouse->position()),
                            mouse->globalPosition(), mouse->button(), mouse->buttons(),
                            mouse->modifiers(), mouse->pointingDevice());
+    if (!viewport()->rect().contains(pixelUnder(inViewport.position()))) {
+        return QScrollArea::event(event); // on the frame or between the scroll bars: no image there
+    }
     if (mouse->type() == QEvent::MouseButtonPress) {
         mousePressEvent(&inViewport);
     } else {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListModel.h"
 #include "view/DisplayWidget.h"
 #include "view/Magnifier.h"

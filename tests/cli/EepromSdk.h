@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "camera/CameraSdk.h"
@@ -19,6 +20,7 @@ public:
         RefuseFromThenOn,  ///< as if the cable had been pulled
         Tear,              ///< a write that stores half of the list and fails
         StoreOther,        ///< a write that stores another list and succeeds
+        StoreChanged,      ///< a write that stores as many entries, one of them wrong, and succeeds
         StoreAndFail       ///< a write that stores the list and fails all the same
     };
 
@@ -29,6 +31,7 @@ public:
     std::int32_t capacity = 10;
     Fault fault = Fault::None;
     int faultyCall = 0;
+    int unlikeWrites = 0; ///< how many writes, from the first on, store another list and succeed
     int calls = 0;
     int writes = 0;
 
@@ -43,6 +46,10 @@ public:
         if (changes) {
             ++writes;
             beforeChange();
+        }
+        if (changes && writes <= unlikeWrites) {
+            storeOther(command, buffer);
+            return 0;
         }
         const bool struck =
             fault == Fault::RefuseFromThenOn ? calls >= faultyCall : calls == faultyCall;
@@ -66,8 +73,16 @@ public:
                 return FaultCode;
             case Fault::StoreOther:
                 if (changes) {
+                    storeOther(command, buffer);
+                    return 0;
+                }
+                break;
+            case Fault::StoreChanged:
+                if (changes) {
                     store(command, buffer);
-                    user.push_back({1, 1, UserPixel});
+                    if (!user.empty()) {
+                        user.back().y ^= 1U;
+                    }
                     return 0;
                 }
                 break;
@@ -155,6 +170,12 @@ private:
             *words++ = entry.y;
         }
         return 0;
+    }
+
+    void storeOther(std::int32_t command, const void* buffer)
+    {
+        store(command, buffer);
+        user.push_back({1, 1, UserPixel});
     }
 
     void store(std::int32_t command, const void* buffer)

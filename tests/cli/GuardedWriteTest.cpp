@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/GuardedWrite.h"
 
 #include "cli/CommandError.h"
@@ -179,6 +180,39 @@ TEST(GuardedWrite, PutsTheOldListBackWhenTheCameraStoredAnother)
     EXPECT_EQ(bench.sdk.user, OldList);
 }
 
+TEST(GuardedWrite, ComparesTheEntriesAndNotOnlyTheirNumber)
+{
+    Bench bench;
+    bench.sdk.fault = Fault::StoreChanged;
+    bench.sdk.faultyCall = 4;
+    const QString text = bench.replaceBy(NewList);
+    EXPECT_TRUE(
+        text.startsWith(QStringLiteral("The camera did not store the list as it was written.")))
+        << qPrintable(text);
+    EXPECT_EQ(bench.sdk.user, OldList);
+}
+
+TEST(GuardedWrite, TriesThreeTimesToPutTheOldListBack)
+{
+    Bench bench;
+    bench.sdk.unlikeWrites = 3; // the new list and two attempts
+    const QString text = bench.replaceBy(NewList);
+    EXPECT_TRUE(text.contains(QStringLiteral("The camera holds the old list"))) << qPrintable(text);
+    EXPECT_EQ(bench.sdk.user, OldList);
+    EXPECT_EQ(bench.sdk.writes, 4);
+}
+
+TEST(GuardedWrite, GivesUpPuttingTheOldListBackAfterTheThirdTime)
+{
+    Bench bench;
+    bench.sdk.unlikeWrites = 100;
+    const QString text = bench.replaceBy(NewList);
+    EXPECT_TRUE(text.contains(QStringLiteral(
+        "The old list could not be put back (the camera did not store it); it is in ")))
+        << qPrintable(text);
+    EXPECT_EQ(bench.sdk.writes, 4);
+}
+
 TEST(GuardedWrite, DoesNotWriteASecondTimeWhenTheFirstOneWasRefusedAsAWhole)
 {
     Bench bench;
@@ -212,7 +246,7 @@ TEST(GuardedWrite, LeavesTheOldOrTheNewListWhateverGoesWrong)
         for (const Entries& wanted : lists) {
             for (const Fault fault :
                  {Fault::Refuse, Fault::RefuseWithGarbage, Fault::RefuseFromThenOn, Fault::Tear,
-                  Fault::StoreOther, Fault::StoreAndFail}) {
+                  Fault::StoreOther, Fault::StoreChanged, Fault::StoreAndFail}) {
                 bool reached = true;
                 for (int call = 1; reached; ++call) {
                     Bench bench(old);

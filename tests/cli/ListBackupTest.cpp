@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/ListBackup.h"
 
 #include "cli/CommandError.h"

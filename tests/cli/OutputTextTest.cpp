@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/EntryText.h"
 #include "cli/FindingsReport.h"
 #include "cli/HelpText.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "detection/BadpixelDetector.h"
 
 #include "tests/detection/Frames.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListModel.h"
 
 #include "tests/hotpixel/PrintEntry.h"
@@ -669,9 +670,13 @@ TEST_F(HotpixelList, LeavesEqualEntriesInTheOrderOfItsSortingAlgorithm)
 {
     // By hand, for five equal keys: the middle one goes to the end as the pivot (0 1 4 3 2), low
     // and high swap 0 with 3 and 1 with 4 (3 4 1 0 2), and the pivot goes back to low (3 4 2 0 1).
-    load({{5, 0, 1}, {5, 1, 1}, {5, 2, 1}, {5, 3, 1}, {5, 4, 1}});
-    m_model.sort(0, Qt::AscendingOrder);
-    EXPECT_EQ(entries(), (Entries{{5, 3, 1}, {5, 4, 1}, {5, 2, 1}, {5, 0, 1}, {5, 1, 1}}));
+    for (const Qt::SortOrder order : {Qt::AscendingOrder, Qt::DescendingOrder}) {
+        m_model.clearBadpixelList();
+        load({{5, 0, 1}, {5, 1, 1}, {5, 2, 1}, {5, 3, 1}, {5, 4, 1}});
+        m_model.sort(0, order);
+        EXPECT_EQ(entries(), (Entries{{5, 3, 1}, {5, 4, 1}, {5, 2, 1}, {5, 0, 1}, {5, 1, 1}}))
+            << order;
+    }
 }
 
 TEST_F(HotpixelList, LoadsBehindTheFactoryAndIgnoredEntries)

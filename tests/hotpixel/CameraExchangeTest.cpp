@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "camera/Camera.h"
 #include "hotpixel/BadpixelListModel.h"
 #include "tests/hotpixel/FakeListCamera.h"
@@ -218,6 +219,40 @@ TEST_F(CameraExchange, KnowsTheEntriesItReadAsDuplicates)
     EXPECT_FALSE(m_model.addBadpixel({2, 2}));
     m_model.getBadpixelList(&m_camera);
     EXPECT_FALSE(m_model.addBadpixel({2, 2}));
+}
+
+TEST_F(CameraExchange, ForgetsThePositionsOfTheListsBefore)
+{
+    m_sdk.factoryCount = 1;
+    m_sdk.factoryList = {1, 1, 1};
+    m_sdk.userCount = 1;
+    m_sdk.userList = {1, 2, 2};
+    m_model.getBadpixelList(&m_camera);
+    EXPECT_FALSE(m_model.addBadpixel({1, 1})) << "the positions are known from here on";
+
+    m_sdk.factoryList = {1, 7, 7};
+    m_sdk.userList = {1, 8, 8};
+    m_model.getBadpixelList(&m_camera);
+    EXPECT_FALSE(m_model.addBadpixel({7, 7}));
+    EXPECT_FALSE(m_model.addBadpixel({8, 8}));
+    EXPECT_TRUE(m_model.addBadpixel({1, 1}));
+    EXPECT_TRUE(m_model.addBadpixel({2, 2}));
+}
+
+TEST_F(CameraExchange, KnowsTheEntriesItReadAlsoWhenTheListBeforeHadBecomeEmpty)
+{
+    m_model.setMaxUserEntries(10);
+    EXPECT_TRUE(m_model.addBadpixel({5, 5})) << "the positions are known from here on";
+    EXPECT_TRUE(m_model.removeUserBadpixel(0));
+
+    m_sdk.factoryCount = 1;
+    m_sdk.factoryList = {1, 7, 7};
+    m_sdk.userCount = 1;
+    m_sdk.userList = {1, 8, 8};
+    m_model.getBadpixelList(&m_camera);
+    EXPECT_FALSE(m_model.addBadpixel({7, 7}));
+    EXPECT_FALSE(m_model.addBadpixel({8, 8}));
+    EXPECT_TRUE(m_model.addBadpixel({5, 5}));
 }
 
 TEST_F(CameraExchange, WritesTheUserEntriesInListOrder)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/SimulatedCamerasWindow.h"
 
 #include "camera/SdkExtras.h"
@@ -5,10 +6,12 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QDoubleSpinBox>
 #include <QLabel>
 #include <QTest>
 #include <QTimer>
+#include <QtTest/qtestspontaneevent.h>
 
 using bench::Bench;
 
@@ -173,6 +176,61 @@ TEST(SdkSwitches, PutTheLensCapOn)
     EXPECT_FALSE(bench.sdk->isCovered(Mono));
     switches[0].apply(*bench.sdk, 99);
     EXPECT_FALSE(bench.sdk->isCovered(Mono));
+}
+
+TEST(SimulatedCamerasPlace, IsBesideTheMainWindowWhereverThereIsRoom)
+{
+    const QRect screen(0, 0, 2000, 1200);
+    const QSize size(700, 150);
+    struct Case
+    {
+        QRect main;
+        QPoint place;
+    };
+    for (const auto& [main, place] : {
+             Case{{100, 50, 800, 600}, {900, 50}},     // to the right
+             Case{{1100, 50, 800, 600}, {400, 50}},    // to the left
+             Case{{600, 50, 800, 600}, {600, 650}},    // below
+             Case{{600, 500, 800, 650}, {600, 350}},   // above
+             Case{{-50, 1000, 800, 600}, {750, 1000}}, // partly off the screen
+         }) {
+        const simulator::Places places = simulator::placesBeside(main, size, screen);
+        EXPECT_EQ(places.main, main.topLeft());
+        EXPECT_EQ(places.other, place) << main.left() << ", " << main.top();
+    }
+}
+
+TEST(SimulatedCamerasPlace, SendsTheMainWindowUpWhereThatMakesRoomBelow)
+{
+    const simulator::Places places =
+        simulator::placesBeside({240, 88, 800, 626}, {760, 150}, {0, 0, 1280, 800});
+    EXPECT_EQ(places.main, QPoint(240, 24));
+    EXPECT_EQ(places.other, QPoint(240, 650));
+}
+
+TEST(SimulatedCamerasPlace, IsTheOppositeCornerOfAScreenWithoutRoomForBoth)
+{
+    const simulator::Places dense =
+        simulator::placesBeside({240, 50, 800, 626}, {750, 150}, {0, 0, 1280, 720});
+    EXPECT_EQ(dense.main, QPoint(0, 0));
+    EXPECT_EQ(dense.other, QPoint(530, 570));
+
+    const simulator::Places places =
+        simulator::placesBeside({0, 0, 1280, 800}, {760, 150}, {0, 0, 1280, 800});
+    EXPECT_EQ(places.main, QPoint(0, 0));
+    EXPECT_EQ(places.other, QPoint(520, 650));
+    // Its upper left corner, with the title bar, is on the screen whatever its size.
+    EXPECT_EQ(simulator::placesBeside({0, 0, 640, 480}, {760, 550}, {0, 0, 640, 480}).other,
+              QPoint(0, 0));
+}
+
+TEST_F(SimulatedCamerasWindowTest, CannotBeClosedByHand)
+{
+    m_window.show();
+    QCloseEvent event; // as a window manager sends it
+    QSpontaneKeyEvent::setSpontaneous(&event);
+    qApp->notify(&m_window, &event);
+    EXPECT_FALSE(event.isAccepted());
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "camera/Camera.h"
 #include "simulator/SimulatedCameraSdk.h"
 #include "tests/faults/FaultyCameraSdk.h"

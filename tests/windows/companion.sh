@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # To be sourced by packaging/windows/check: the companion with the stand-in library, in text.
 
 # companion ARGUMENT...: runs vorn-hotpixel.exe where everything lies beside it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListFile.h"
 #include "tests/cli/process/CompanionBench.h"
 
@@ -562,3 +563,15 @@ TEST(CompanionProcess, ClosesTheCameraWhenItIsInterrupted)
 }
 
 #endif
+
+TEST(CompanionProcess, SaysNothingOfItsOwnWithoutALocale)
+{
+    constexpr auto Variable = "LC_ALL";
+    const QByteArray before = qgetenv(Variable);
+    qputenv(Variable, "C");
+    const CompanionBench bench(smallCamera());
+    const Finished finished = bench.run(QStringLiteral("read 1"));
+    before.isNull() ? qunsetenv(Variable) : qputenv(Variable, before);
+    EXPECT_EQ(finished.status, 0);
+    EXPECT_EQ(finished.err, QByteArray());
+}

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The library Vorn_api_64.dll that records the calls that reach it, and the same without its last
 # ordinal. They bear one name, so each lies in a folder of its own, bin/ and bin-incomplete/.
 set(recorder_folder "${CMAKE_CURRENT_LIST_DIR}")
