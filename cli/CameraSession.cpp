@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/CameraSession.h"
 
+#include "cli/CameraChoice.h"
 #include "cli/Command.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
@@ -18,17 +19,17 @@ constexpr auto SettingsFile = "./VornHotpixelEditor.ini"; ///< as Camera::open()
 } // namespace
 
 CameraSession::CameraSession(CommandContext& context, const QString& name)
-    : CameraSession(context, cli::chooseCamera(cli::connectedCameras(context.sdk), name))
+    : CameraSession(context, cli::chooseCamera(camera::connectedCameras(context.sdk), name))
 {}
 
-CameraSession::CameraSession(CommandContext& context, ConnectedCamera camera)
+CameraSession::CameraSession(CommandContext& context, CameraItem camera)
     : m_context(context)
     , m_camera(context.sdk)
     , m_description(std::move(camera))
 {
-    if (!m_description.free) {
-        throw cli::CommandError(
-            tr("The camera (%1) is in use by another program.").arg(m_description.description()));
+    if (m_description.status != 0) {
+        throw cli::CommandError(tr("The camera (%1) is in use by another program.")
+                                    .arg(cli::cameraText(m_description)));
     }
     QObject::connect(&m_camera, &Camera::displayError, &m_camera,
                      [this](const QString& text, int /*msec*/) {

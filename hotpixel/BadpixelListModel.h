@@ -11,6 +11,7 @@
 
 #include <optional>
 #include <span>
+#include <vector>
 
 class Camera;
 Q_MOC_INCLUDE("camera/Camera.h")
@@ -27,6 +28,8 @@ class BadpixelListModel : public QAbstractTableModel
     Q_OBJECT
 
 public:
+    enum Column { XColumn, YColumn, ClassColumn };
+
     explicit BadpixelListModel(QObject* parent = nullptr);
 
     /// Number of entries, whatever @p parent is.
@@ -133,7 +136,7 @@ public slots:
 
 private:
     [[nodiscard]] bool hasRow(int row) const { return row >= 0 && row < rowCount(); }
-    void appendCameraEntries(std::span<const std::uint16_t> coordinates, Pixelclass pixelClass);
+    void appendCameraEntries(std::vector<BadpixelEntry>&& entries);
     [[nodiscard]] bool isTaken(const BadpixelEntry& candidate);
     void indexEntry(const BadpixelEntry& entry, int change);
 
