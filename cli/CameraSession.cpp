@@ -32,10 +32,13 @@ CameraSession::CameraSession(CommandContext& context, CameraItem camera)
                                     .arg(cli::cameraText(m_description)));
     }
     QObject::connect(&m_camera, &Camera::displayError, &m_camera,
-                     [this](const QString& text, int /*msec*/) {
-                         // The settings file is optional. Only one that is there is worth a line.
-                         const bool missing = !QFileInfo::exists(QString::fromLatin1(SettingsFile));
-                         if (!missing || text != Camera::tr("Can't open ini file.")) {
+                     [this, settingsTold = false](const QString& text, int /*msec*/) mutable {
+                         // The first notice since the file was refused says so. It is optional, so
+                         // only one that is there is worth a line.
+                         const bool ofSettings =
+                             m_camera.settingsResult() == camera::FileNotOpened &&
+                             !std::exchange(settingsTold, true);
+                         if (!ofSettings || QFileInfo::exists(QLatin1String(SettingsFile))) {
                              m_context.console.notice(text);
                          }
                      });

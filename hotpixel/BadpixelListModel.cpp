@@ -4,6 +4,7 @@
 #include "camera/Camera.h"
 #include "hotpixel/BadpixelListFile.h"
 #include "hotpixel/CameraLists.h"
+#include "hotpixel/ListFull.h"
 #include "support/QuickSort.h"
 
 #include <algorithm>
@@ -15,8 +16,8 @@
 
 namespace {
 
-constexpr int MaxCameraListCount = 1000;   ///< greater counts are not read from a camera
-constexpr std::size_t MaxListCount = 5000; ///< of addBadpixel() without the camera's limit
+constexpr int MaxCameraListCount = 1000; ///< greater counts are not read from a camera
+constexpr int MaxListCount = 5000;       ///< of addBadpixel() without the camera's limit
 
 std::uint32_t positionKey(const BadpixelEntry& entry)
 {
@@ -184,12 +185,11 @@ bool BadpixelListModel::addBadpixel(const QPoint& position)
 {
     // The limit comes before the duplicate, so a full list refuses what it holds already, too. And
     // the text names the camera's limit even where that of 5000 applies.
-    const bool full = m_limitByCamera
-                          ? std::int64_t{rowCount()} - m_factoryCount >= m_maxUserEntries
-                          : m_entries.size() >= MaxListCount;
-    if (full) {
-        throw std::runtime_error(
-            tr("Can't add more than %1 hotpixel entries.").arg(m_maxUserEntries).toStdString());
+    const std::int64_t count = std::int64_t{rowCount()} - (m_limitByCamera ? m_factoryCount : 0);
+    const int limit = m_limitByCamera ? m_maxUserEntries : MaxListCount;
+    if (count >= limit) {
+        throw ListFull(tr("Can't add more than %1 hotpixel entries.").arg(m_maxUserEntries), limit,
+                       count);
     }
 
     const BadpixelEntry entry{static_cast<std::uint16_t>(position.x()),

@@ -91,8 +91,9 @@ public:
     /// Appends a user entry at @p position (the low 16 bits of its coordinates).
     ///
     /// @return false when a factory or user entry is there already; ignored ones don't count.
-    /// @throws std::runtime_error "Can't add more than %1 hotpixel entries." at the limit, also for
-    ///         a position that is in the list. %1 is maxUserEntries().
+    /// @throws ListFull "Can't add more than %1 hotpixel entries." at the limit, also for a
+    /// position
+    ///         that is in the list. %1 is maxUserEntries().
     bool addBadpixel(const QPoint& position);
 
     /// Removes the entry at @p row when its class is UserPixel; otherwise returns false.
