@@ -134,6 +134,7 @@ void Camera::open(int cameraId)
 void Camera::tryOpen(int cameraId)
 {
     close();
+    m_settingsResult = 0;
     m_handle = initCamera(cameraId);
     m_frameCount = 0;
     m_failedCount = 0;
@@ -189,11 +190,11 @@ CameraSdk::Handle Camera::initCamera(int cameraId)
 
 void Camera::loadSettings()
 {
-    const std::int32_t result = m_sdk.loadParameters(m_handle, SettingsFile);
-    if (result == camera::FileNotOpened) {
+    m_settingsResult = m_sdk.loadParameters(m_handle, SettingsFile);
+    if (m_settingsResult == camera::FileNotOpened) {
         emit displayError(tr("Can't open ini file."), NoticeMsec);
-    } else if (result != 0) {
-        emit displayError(QString::fromLatin1(errorText(result)), NoticeMsec);
+    } else if (m_settingsResult != 0) {
+        emit displayError(QString::fromLatin1(errorText(m_settingsResult)), NoticeMsec);
     }
 }
 
