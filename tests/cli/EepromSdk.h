@@ -31,7 +31,7 @@ public:
     std::int32_t capacity = 10;
     Fault fault = Fault::None;
     int faultyCall = 0;
-    int unlikeWrites = 0; ///< how many writes, from the first on, store another list and succeed
+    int unlikeWrites = 0; ///< how many writes, from the first on, store one entry wrong and succeed
     int calls = 0;
     int writes = 0;
 
@@ -48,7 +48,7 @@ public:
             beforeChange();
         }
         if (changes && writes <= unlikeWrites) {
-            storeOther(command, buffer);
+            storeChanged(command, buffer);
             return 0;
         }
         const bool struck =
@@ -79,10 +79,7 @@ public:
                 break;
             case Fault::StoreChanged:
                 if (changes) {
-                    store(command, buffer);
-                    if (!user.empty()) {
-                        user.back().y ^= 1U;
-                    }
+                    storeChanged(command, buffer);
                     return 0;
                 }
                 break;
@@ -176,6 +173,14 @@ private:
     {
         store(command, buffer);
         user.push_back({1, 1, UserPixel});
+    }
+
+    void storeChanged(std::int32_t command, const void* buffer)
+    {
+        store(command, buffer);
+        if (!user.empty()) {
+            user.back().y ^= 1U;
+        }
     }
 
     void store(std::int32_t command, const void* buffer)
