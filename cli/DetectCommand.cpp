@@ -136,8 +136,8 @@ QList<QCommandLineOption> DetectCommand::options(const std::vector<SdkSwitch>& s
          tr("Save the user entries, known and new, to the list file FILE."),
          QStringLiteral("FILE")},
         {QLatin1String(WriteOption),
-         tr("Write the user entries, known and new, into the camera, as the command write does.")},
-        cli::yesOption()};
+         tr("Write the user entries, known and new, into the camera, as the command write does.")}};
+    options += cli::writeOptions();
     for (const SdkSwitch& sdkSwitch : switches) {
         options.append(QCommandLineOption(sdkSwitch.name, sdkSwitch.description));
     }
@@ -259,6 +259,9 @@ void DetectCommand::run(const QStringList& values, const QCommandLineParser& par
         report.line(cli::entryColumns(found));
     }
 
+    if (!write) {
+        cli::noteEntriesBeside(list.entries(), camera.imageWidth(), context.console);
+    }
     if (save) {
         cli::saveOutputFile(fileName, list.entries());
         report.insert("saved", fileName);

@@ -38,6 +38,24 @@ bool putOnDisk(QFile& file)
 #endif
 }
 
+CommandError failure(const QString& folder, const QString& reason)
+{
+    return CommandError(tr("Can't save the old list in %1: %2").arg(folder, reason));
+}
+
+/// Opens a file without a name yet in @p folder.
+void openIn(const QString& folder, QTemporaryFile& file)
+{
+    const QDir target(folder);
+    if (!target.mkpath(QStringLiteral("."))) {
+        throw failure(folder, tr("the folder can't be made."));
+    }
+    file.setFileTemplate(target.filePath(QStringLiteral(".backup-XXXXXX")));
+    if (!file.open()) {
+        throw failure(folder, file.errorString());
+    }
+}
+
 } // namespace
 
 QString backupFolder()
@@ -46,35 +64,32 @@ QString backupFolder()
            QStringLiteral("/VornHotpixelEditor/backups");
 }
 
+void checkBackupFolder(const QString& folder)
+{
+    QTemporaryFile file;
+    openIn(folder, file);
+}
+
 QString saveBackup(const QString& folder, const QString& serNo, const QDateTime& time,
                    std::span<const BadpixelEntry> entries)
 {
-    const auto fail = [&folder](const QString& reason) {
-        return CommandError(tr("Can't save the old list in %1: %2").arg(folder, reason));
-    };
-
-    const QDir target(folder);
-    if (!target.mkpath(QStringLiteral("."))) {
-        throw fail(tr("the folder can't be made."));
-    }
-    QTemporaryFile file(target.filePath(QStringLiteral(".backup-XXXXXX")));
-    if (!file.open()) {
-        throw fail(file.errorString());
-    }
+    QTemporaryFile file;
+    openIn(folder, file);
     QByteArray content;
     for (const BadpixelEntry& entry : entries) {
         content += QByteArray::number(entry.x) + ' ' + QByteArray::number(entry.y) + " 1\n";
     }
     if (file.write(content) != content.size() || !putOnDisk(file)) {
-        throw fail(file.errorString());
+        throw failure(folder, file.errorString());
     }
 
     // What the disk holds is what counts, so it is read again.
     const std::vector<BadpixelEntry> saved = hotpixel::readListFile(file.fileName());
     if (!std::ranges::equal(saved, entries)) {
-        throw fail(tr("the file does not hold what was written."));
+        throw failure(folder, tr("the file does not hold what was written."));
     }
 
+    const QDir target(folder);
     QString name = serNo;
     name.replace(QRegularExpression(QStringLiteral("[^A-Za-z0-9_-]")), QStringLiteral("_"));
     name += time.toString(QStringLiteral("'-user-list-'yyyyMMdd-HHmmss"));
@@ -87,7 +102,7 @@ QString saveBackup(const QString& folder, const QString& serNo, const QDateTime&
             return QDir::toNativeSeparators(target.absoluteFilePath(fileName));
         }
     }
-    throw fail(tr("no name is free."));
+    throw failure(folder, tr("no name is free."));
 }
 
 } // namespace cli

@@ -14,6 +14,11 @@ namespace cli {
 /// Where backups go: VornHotpixelEditor/backups in the person's data folder.
 QString backupFolder();
 
+/// Finds out early, before minutes of work, what would keep a backup from being saved. Makes
+/// @p folder when it is missing.
+/// @throws CommandError when it can't be made, or takes no file.
+void checkBackupFolder(const QString& folder);
+
 /// Saves @p entries to a new list file in @p folder, which is made when it is missing; its name
 /// consists of the serial number, the time and, where that is taken, a number.
 ///

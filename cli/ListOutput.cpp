@@ -14,6 +14,18 @@ QString tr(const char* text)
     return QCoreApplication::translate("ListOutput", text);
 }
 
+/// Calls @p work, whose errors don't name the file.
+template <typename Work>
+void namingTheFile(const QString& fileName, const Work& work)
+{
+    try {
+        work();
+    } catch (const std::exception& error) {
+        throw cli::CommandError(
+            tr("Can't save to %1: %2").arg(fileName, QString::fromUtf8(error.what())));
+    }
+}
+
 } // namespace
 
 void cli::checkOutputFile(const QString& fileName)
@@ -28,14 +40,10 @@ void cli::checkOutputFile(const QString& fileName)
     if (!QFileInfo(file.absolutePath()).isDir()) {
         throw CommandError(tr("Can't save to %1: there is no such folder.").arg(fileName));
     }
+    namingTheFile(fileName, [&] { hotpixel::checkListFile(fileName); });
 }
 
 void cli::saveOutputFile(const QString& fileName, std::span<const BadpixelEntry> entries)
 {
-    try {
-        hotpixel::writeListFile(fileName, entries);
-    } catch (const std::exception& error) {
-        throw CommandError(
-            tr("Can't save to %1: %2").arg(fileName, QString::fromUtf8(error.what())));
-    }
+    namingTheFile(fileName, [&] { hotpixel::writeListFile(fileName, entries); });
 }

@@ -11,7 +11,9 @@
 namespace cli {
 
 /// Finds out early, before minutes of work, what would keep a file from being saved.
-/// @throws CommandError when @p fileName is a folder or its folder does not exist.
+/// @throws UsageError when @p fileName is empty.
+/// @throws CommandError when it is a folder, its folder does not exist, or it can't be written or
+///         made.
 void checkOutputFile(const QString& fileName);
 
 /// Saves the user entries among @p entries; an existing file is replaced only as a whole.

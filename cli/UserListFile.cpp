@@ -12,6 +12,7 @@
 #include <array>
 #include <charconv>
 #include <string_view>
+#include <utility>
 
 namespace cli {
 namespace {
@@ -28,35 +29,54 @@ bool isBlank(char character)
     return character == ' ' || character == '\t';
 }
 
+QString notAnEntry()
+{
+    return tr("this is no user entry (x, y and the class 1).");
+}
+
 /// Takes a number up to @p maximum off the front of @p line. To the editor 012 is the octal 10, so
 /// no number with a leading 0 passes: what goes into a camera must not depend on the reader.
-bool takeNumber(std::string_view& line, unsigned maximum, unsigned& number)
+/// @return why it is none, or nothing.
+QString takeNumber(std::string_view& line, unsigned maximum, unsigned& number)
 {
     while (!line.empty() && isBlank(line.front())) {
         line.remove_prefix(1);
     }
     const char* const end = line.data() + line.size();
     const auto [rest, error] = std::from_chars(line.data(), end, number);
-    const bool hasLeadingZero = rest - line.data() > 1 && line.front() == '0';
-    if (error != std::errc{} || number > maximum || hasLeadingZero ||
-        (rest != end && !isBlank(*rest))) {
-        return false;
+    const auto length = static_cast<std::size_t>(rest - line.data());
+    if (length == 0 || (rest != end && !isBlank(*rest))) {
+        return notAnEntry();
     }
-    line.remove_prefix(static_cast<std::size_t>(rest - line.data()));
-    return true;
+    if (length > 1 && line.front() == '0') {
+        return tr("%1 has a leading zero, with which the editor reads it as octal.")
+            .arg(QLatin1String(line.data(), static_cast<qsizetype>(length)));
+    }
+    if (error != std::errc{} || number > maximum) {
+        return notAnEntry();
+    }
+    line.remove_prefix(length);
+    return {};
 }
 
-bool takeEntry(std::string_view line, BadpixelEntry& entry)
+/// Makes @p entry of @p line.
+/// @return why it is none, or nothing.
+QString takeEntry(std::string_view line, BadpixelEntry& entry)
 {
     unsigned x = 0;
     unsigned y = 0;
     unsigned pixelClass = 0;
-    if (!takeNumber(line, 0xffff, x) || !takeNumber(line, 0xffff, y) ||
-        !takeNumber(line, 0xff, pixelClass) || pixelClass != UserPixel) {
-        return false;
+    for (const auto& [number, maximum] :
+         {std::pair(&x, 0xffffU), {&y, 0xffffU}, {&pixelClass, 0xffU}}) {
+        if (const QString fault = takeNumber(line, maximum, *number); !fault.isEmpty()) {
+            return fault;
+        }
+    }
+    if (pixelClass != UserPixel) {
+        return notAnEntry();
     }
     entry = {static_cast<std::uint16_t>(x), static_cast<std::uint16_t>(y), UserPixel};
-    return true;
+    return {};
 }
 
 } // namespace
@@ -100,10 +120,9 @@ std::vector<BadpixelEntry> readUserListFile(const QString& fileName)
             text.remove_suffix(1);
         }
         BadpixelEntry entry;
-        if (!takeEntry(text, entry)) {
-            throw CommandError(tr("%1, line %2: this is no user entry (x, y and the class 1).")
-                                   .arg(fileName)
-                                   .arg(entries.size() + 1));
+        if (const QString fault = takeEntry(text, entry); !fault.isEmpty()) {
+            throw CommandError(
+                tr("%1, line %2: %3").arg(fileName).arg(entries.size() + 1).arg(fault));
         }
         entries.push_back(entry);
     }

@@ -24,7 +24,7 @@ QString WriteCommand::description() const
 
 QList<QCommandLineOption> WriteCommand::options(const std::vector<SdkSwitch>& /*switches*/) const
 {
-    return {cli::yesOption()};
+    return cli::writeOptions();
 }
 
 void WriteCommand::run(const QStringList& values, const QCommandLineParser& parser,

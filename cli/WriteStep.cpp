@@ -13,9 +13,12 @@
 
 #include <QCommandLineParser>
 
+#include <algorithm>
+
 namespace {
 
 constexpr auto YesOption = "yes";
+constexpr auto AllowEmptyOption = "allow-empty";
 
 QString tr(const char* text)
 {
@@ -24,9 +27,13 @@ QString tr(const char* text)
 
 } // namespace
 
-QCommandLineOption cli::yesOption()
+QList<QCommandLineOption> cli::writeOptions()
 {
-    return {QLatin1String(YesOption), tr("Write into the camera without asking before.")};
+    return {
+        {QLatin1String(YesOption), tr("Write into the camera without asking before.")},
+        {QLatin1String(AllowEmptyOption),
+         tr("Wipe the user list in the camera when the new one is empty.")},
+    };
 }
 
 void cli::checkWriteOptions(const QCommandLineParser& parser, const CommandContext& context)
@@ -34,6 +41,21 @@ void cli::checkWriteOptions(const QCommandLineParser& parser, const CommandConte
     if (!parser.isSet(QLatin1String(YesOption)) && !context.console.canAsk()) {
         throw UsageError(
             tr("There is no terminal to ask whether to overwrite the camera's list; use --yes."));
+    }
+    checkBackupFolder(backupFolder());
+}
+
+void cli::noteEntriesBeside(std::span<const BadpixelEntry> entries, int sensorWidth,
+                            Console& console)
+{
+    const auto beside = std::ranges::count_if(entries, [sensorWidth](const BadpixelEntry& entry) {
+        return entry.pixelClass == UserPixel && entry.x == sensorWidth;
+    });
+    if (beside > 0) {
+        console.notice(
+            tr("Note: %1 at x = %2, behind the sensor's last column, as a detection lists them.")
+                .arg(entryCount(static_cast<std::size_t>(beside)))
+                .arg(sensorWidth));
     }
 }
 
@@ -43,18 +65,18 @@ QJsonObject cli::writeUserEntries(CameraSession& session, std::span<const Badpix
     Camera& camera = session.camera();
     const SensorEntries wanted =
         userEntriesOf(entries, {camera.imageWidth(), camera.imageHeight()});
-    if (wanted.beside > 0) {
-        context.console.notice(
-            tr("Note: %1 at x = %2, behind the sensor's last column, as a detection lists them.")
-                .arg(entryCount(static_cast<std::size_t>(wanted.beside)))
-                .arg(camera.imageWidth()));
-    }
-
+    noteEntriesBeside(entries, camera.imageWidth(), context.console);
     GuardedWrite guarded(CameraLists(context.sdk, camera.handle()), session.description().serNo,
                          backupFolder());
     guarded.check(wanted.entries);
     const QString replaced = entryCount(guarded.oldEntries().size());
     const QString written = entryCount(wanted.entries.size());
+    if (wanted.entries.empty() && !guarded.oldEntries().empty() &&
+        !parser.isSet(QLatin1String(AllowEmptyOption))) {
+        throw CommandError(tr("The new list is empty; use --allow-empty to wipe the user list in "
+                              "the camera (%1).")
+                               .arg(replaced));
+    }
     if (!parser.isSet(QLatin1String(YesOption)) &&
         !context.console.confirm(tr("Replace the user list in the camera (%1) by the new one (%2)?")
                                      .arg(replaced, written),

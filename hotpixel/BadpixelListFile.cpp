@@ -95,14 +95,36 @@ void overwrite(const QString& filename, const QByteArray& content)
     }
 }
 
+bool isPipe(const QFileInfo& file)
+{
+    std::error_code ignored;
+    return std::filesystem::is_fifo(file.filesystemFilePath(), ignored);
+}
+
 } // namespace
+
+void checkListFile(const QString& filename)
+{
+    const QFileInfo target(filename);
+    if (target.exists()) {
+        // Opening a device may be an event to it.
+        if (target.isDir() || isPipe(target) || !target.isWritable()) {
+            fail(CantOpenForWriting);
+        }
+        return;
+    }
+    QFile file(filename);
+    if (!target.isSymLink() &&
+        !(file.open(QIODevice::WriteOnly | QIODevice::NewOnly) && file.remove())) {
+        fail(CantOpenForWriting);
+    }
+}
 
 void writeListFile(const QString& filename, std::span<const BadpixelEntry> entries)
 {
     const QFileInfo target(filename);
-    std::error_code ignored;
     // Opening a pipe would wait for someone who reads from it.
-    if (filename.isEmpty() || std::filesystem::is_fifo(target.filesystemFilePath(), ignored)) {
+    if (filename.isEmpty() || isPipe(target)) {
         fail(CantOpenForWriting);
     }
     const QByteArray content = contentFor(entries);

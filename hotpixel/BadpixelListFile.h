@@ -27,6 +27,11 @@ namespace hotpixel {
 /// @throws std::runtime_error "Can't write file." when the disk is full or fails.
 void writeListFile(const QString& filename, std::span<const BadpixelEntry> entries);
 
+/// Finds out whether writeListFile() could begin; the file is as before. One that is not there is
+/// made and removed again, since only that tells whether there can be one of its name.
+/// @throws std::runtime_error "Can't open file for writing."
+void checkListFile(const QString& filename);
+
 /// Reads the entries of a list; each line gives one, whatever is in it.
 ///
 /// A line is read as QTextStream reads three unsigned integers from it: white space separates them

@@ -25,7 +25,8 @@ struct Places
 
 /// Where a window of @p size goes that belongs to the window @p main: to its right, left, below or
 /// above it, wherever it fits first on @p screen. Where it fits nowhere, the main window goes up so
-/// that it fits below; and when there is no room for both, it goes to the lower right corner.
+/// that it fits below; and when there is no room for both, they go to opposite corners of the
+/// screen, the main window to the upper left one, where its lists and controls are.
 [[nodiscard]] Places placesBeside(const QRect& main, const QSize& size, const QRect& screen);
 
 } // namespace simulator

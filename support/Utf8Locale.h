@@ -13,9 +13,10 @@ namespace support {
 /// but the program's own words belongs. Main thread, before any other one is started.
 void chooseUtf8Locale();
 
-/// Whether the environment that the program was started in shows the UTF-8 that is printed, whatever
-/// chooseUtf8Locale() made of the process since. A locale that is not installed here, as over ssh,
-/// says by its name what the terminal shows. Always true on Windows, where the programs see to it.
+/// Whether the environment that the program was started in shows the UTF-8 that is printed,
+/// whatever chooseUtf8Locale() made of the process since. A locale that is not installed here, as
+/// over ssh, says by its name what the terminal shows. Always true on Windows, where the programs
+/// see to it.
 [[nodiscard]] bool environmentShowsUtf8();
 
 } // namespace support
