@@ -60,6 +60,10 @@ public:
 
     [[nodiscard]] bool isOpen() const { return m_handle != 0; }
 
+    /// What the SDK answered to the settings file at the last opening: 0, camera::FileNotOpened or
+    /// another error. Known when displayError() tells of it; 0 before.
+    [[nodiscard]] int settingsResult() const { return m_settingsResult; }
+
     /// Frames received since the last opening.
     [[nodiscard]] int frameCount() const { return m_frameCount; }
 
@@ -172,6 +176,7 @@ private:
     unsigned int m_cameraId = 0;
     CameraSdk::Handle m_handle = 0;
     SensorInfo m_sensorInfo = {};
+    int m_settingsResult = 0;
     int m_frameCount = 0;
     int m_failedCount = 0;
     ImageSequence m_sequence;

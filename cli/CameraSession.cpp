@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/CameraSession.h"
 
+#include "cli/CameraChoice.h"
 #include "cli/Command.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
@@ -18,23 +19,26 @@ constexpr auto SettingsFile = "./VornHotpixelEditor.ini"; ///< as Camera::open()
 } // namespace
 
 CameraSession::CameraSession(CommandContext& context, const QString& name)
-    : CameraSession(context, cli::chooseCamera(cli::connectedCameras(context.sdk), name))
+    : CameraSession(context, cli::chooseCamera(camera::connectedCameras(context.sdk), name))
 {}
 
-CameraSession::CameraSession(CommandContext& context, ConnectedCamera camera)
+CameraSession::CameraSession(CommandContext& context, CameraItem camera)
     : m_context(context)
     , m_camera(context.sdk)
     , m_description(std::move(camera))
 {
-    if (!m_description.free) {
-        throw cli::CommandError(
-            tr("The camera (%1) is in use by another program.").arg(m_description.description()));
+    if (m_description.status != 0) {
+        throw cli::CommandError(tr("The camera (%1) is in use by another program.")
+                                    .arg(cli::cameraText(m_description)));
     }
     QObject::connect(&m_camera, &Camera::displayError, &m_camera,
-                     [this](const QString& text, int /*msec*/) {
-                         // The settings file is optional. Only one that is there is worth a line.
-                         const bool missing = !QFileInfo::exists(QString::fromLatin1(SettingsFile));
-                         if (!missing || text != Camera::tr("Can't open ini file.")) {
+                     [this, settingsTold = false](const QString& text, int /*msec*/) mutable {
+                         // The first notice since the file was refused says so. It is optional, so
+                         // only one that is there is worth a line.
+                         const bool ofSettings =
+                             m_camera.settingsResult() == camera::FileNotOpened &&
+                             !std::exchange(settingsTold, true);
+                         if (!ofSettings || QFileInfo::exists(QLatin1String(SettingsFile))) {
                              m_context.console.notice(text);
                          }
                      });

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "camera/Camera.h"
-#include "cli/CameraChoice.h"
+#include "camera/ConnectedCameras.h"
 
 #include <QCoreApplication>
 #include <QObject>
@@ -19,14 +19,15 @@ public:
     /// Opens @p camera.
     /// @throws cli::CommandError when another program has it, or the end was asked for meanwhile.
     /// @throws std::runtime_error of Camera::open().
-    CameraSession(CommandContext& context, ConnectedCamera camera);
+    CameraSession(CommandContext& context, CameraItem camera);
 
     /// Opens the camera that @p name names.
     /// @throws cli::CommandError also when there is no such camera.
+    /// @throws std::runtime_error of camera::connectedCameras().
     CameraSession(CommandContext& context, const QString& name);
 
     [[nodiscard]] Camera& camera() { return m_camera; }
-    [[nodiscard]] const ConnectedCamera& description() const { return m_description; }
+    [[nodiscard]] const CameraItem& description() const { return m_description; }
 
     /// @throws cli::CommandError when the end was asked for.
     void checkInterruption() const;
@@ -34,5 +35,5 @@ public:
 private:
     CommandContext& m_context;
     Camera m_camera;
-    ConnectedCamera m_description;
+    CameraItem m_description;
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/CamerasCommand.h"
 
+#include "camera/CameraListModel.h"
 #include "cli/CameraChoice.h"
 #include "cli/Console.h"
 
@@ -50,25 +51,25 @@ QString CamerasCommand::description() const
 void CamerasCommand::run(const QStringList& /*values*/, const QCommandLineParser& /*parser*/,
                          CommandContext& context) const
 {
-    const std::vector<ConnectedCamera> cameras = cli::connectedCameras(context.sdk);
+    const QList<CameraItem> cameras = camera::connectedCameras(context.sdk);
     if (context.json) {
         QJsonArray array;
-        for (const ConnectedCamera& camera : cameras) {
-            array.append(camera.toJson());
+        for (const CameraItem& camera : cameras) {
+            array.append(cli::cameraObject(camera));
         }
         context.console.result(
             QString::fromUtf8(QJsonDocument(QJsonObject{{QStringLiteral("cameras"), array}})
                                   .toJson(QJsonDocument::Compact)));
         return;
     }
-    if (cameras.empty()) {
+    if (cameras.isEmpty()) {
         context.console.notice(tr("No camera is connected."));
         return;
     }
     std::vector<Row> rows{{tr("Cam"), tr("Dev"), tr("Model"), tr("SerNo"), tr("Status")}};
-    for (const ConnectedCamera& camera : cameras) {
+    for (const CameraItem& camera : cameras) {
         rows.push_back({QString::number(camera.camId), QString::number(camera.devId), camera.model,
-                        camera.serNo, camera.status});
+                        camera.serNo, CameraListModel::statusText(camera)});
     }
     context.console.result(tableText(rows));
 }

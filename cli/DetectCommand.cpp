@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/DetectCommand.h"
 
-#include "cli/CameraLists.h"
+#include "cli/CameraChoice.h"
 #include "cli/CameraSession.h"
 #include "cli/CommandError.h"
 #include "cli/Console.h"
@@ -12,6 +12,7 @@
 #include "cli/WriteStep.h"
 #include "detection/DetectionRun.h"
 #include "hotpixel/BadpixelListModel.h"
+#include "hotpixel/CameraLists.h"
 
 #include <QCommandLineParser>
 #include <QJsonDocument>
@@ -167,8 +168,8 @@ void DetectCommand::run(const QStringList& values, const QCommandLineParser& par
     }
 
     DetectReport report(context);
-    const ConnectedCamera chosen =
-        cli::chooseCamera(cli::connectedCameras(context.sdk), values.front());
+    const CameraItem chosen =
+        cli::chooseCamera(camera::connectedCameras(context.sdk), values.front());
     for (const SdkSwitch& sdkSwitch : context.switches) {
         if (parser.isSet(sdkSwitch.name)) {
             sdkSwitch.apply(context.sdk, chosen.devId);
@@ -180,7 +181,7 @@ void DetectCommand::run(const QStringList& values, const QCommandLineParser& par
     BadpixelListModel list;
     list.getBadpixelList(&camera);
     // The model is silent about what it could not read, and then everything would seem to be new.
-    const CameraLists lists(context.sdk, camera.handle());
+    const CameraLists lists(camera);
     list.setMaxUserEntries(lists.maxUserEntries());
     const std::size_t inCamera = lists.factoryEntries().size() + lists.userEntries().size();
     if (static_cast<std::size_t>(list.rowCount()) != inCamera) {
@@ -193,7 +194,7 @@ void DetectCommand::run(const QStringList& values, const QCommandLineParser& par
         camera.setAutoConfig();
     }
     const double framesPerSecond = camera.framerate().value;
-    report.line(chosen.description());
+    report.line(cli::cameraText(chosen));
     report.line(tr("Sensor: %1 pixels, %2")
                     .arg(cli::sizeText({camera.imageWidth(), camera.imageHeight()}),
                          camera.colorMode() == camera::ColorModeBayer8 ? tr("raw Bayer")
@@ -202,7 +203,7 @@ void DetectCommand::run(const QStringList& values, const QCommandLineParser& par
                     .arg(framesPerSecond, 0, 'f', 2)
                     .arg(camera.exposure().value, 0, 'f', 1)
                     .arg(camera.mastergain().value));
-    report.insert("camera", chosen.toJson());
+    report.insert("camera", cli::cameraObject(chosen));
     report.insert("width", camera.imageWidth());
     report.insert("height", camera.imageHeight());
     report.insert("colorMode", camera.colorMode());

@@ -4,6 +4,7 @@
 #include "cli/CommandError.h"
 #include "cli/ListBackup.h"
 
+#include <stdexcept>
 #include <utility>
 
 namespace {
@@ -55,7 +56,7 @@ QString GuardedWrite::writeAndCompare() const
         if (m_lists.userEntries() != m_newEntries) {
             return tr("The camera did not store the list as it was written.");
         }
-    } catch (const cli::CommandError& error) {
+    } catch (const std::runtime_error& error) {
         return QString::fromUtf8(error.what());
     }
     return {};
@@ -70,7 +71,7 @@ QString GuardedWrite::putBack() const
             if (m_lists.userEntries() == m_oldEntries) {
                 return {};
             }
-        } catch (const cli::CommandError& error) {
+        } catch (const std::runtime_error& error) {
             failure = QString::fromUtf8(error.what());
         }
         try {
@@ -79,7 +80,7 @@ QString GuardedWrite::putBack() const
                 return {};
             }
             failure = tr("the camera did not store it");
-        } catch (const cli::CommandError& error) {
+        } catch (const std::runtime_error& error) {
             failure = QString::fromUtf8(error.what());
         }
     }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "cli/CameraLists.h"
 #include "hotpixel/BadpixelEntry.h"
+#include "hotpixel/CameraLists.h"
 
 #include <QCoreApplication>
 #include <QString>
@@ -26,7 +26,8 @@ public:
     GuardedWrite(CameraLists lists, QString serNo, QString backupFolder);
 
     /// Reads the list that is to be replaced, and finds out whether @p entries fit into the camera.
-    /// @throws cli::CommandError when they don't, or when the camera does not say. Nothing has been
+    /// @throws std::runtime_error when they don't, or when the camera does not say. Nothing has
+    /// been
     ///         changed then.
     void check(std::span<const BadpixelEntry> entries);
 

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "cli/ReadCommand.h"
 
-#include "cli/CameraLists.h"
+#include "cli/CameraChoice.h"
 #include "cli/CameraSession.h"
 #include "cli/Console.h"
 #include "cli/EntryText.h"
 #include "cli/ListOutput.h"
+#include "hotpixel/CameraLists.h"
 
 #include <QCommandLineParser>
 #include <QJsonDocument>
@@ -43,7 +44,7 @@ void ReadCommand::run(const QStringList& values, const QCommandLineParser& parse
     }
 
     CameraSession session(context, values.front());
-    const CameraLists lists(context.sdk, session.camera().handle());
+    const CameraLists lists(session.camera());
     const int capacity = lists.maxUserEntries();
     const std::vector<BadpixelEntry> factory = lists.factoryEntries();
     const std::vector<BadpixelEntry> user = lists.userEntries();
@@ -52,7 +53,7 @@ void ReadCommand::run(const QStringList& values, const QCommandLineParser& parse
     }
 
     if (context.json) {
-        QJsonObject result{{QStringLiteral("camera"), session.description().toJson()},
+        QJsonObject result{{QStringLiteral("camera"), cli::cameraObject(session.description())},
                            {QStringLiteral("capacity"), capacity},
                            {QStringLiteral("factory"), cli::entryArray(factory)},
                            {QStringLiteral("user"), cli::entryArray(user)}};
@@ -69,7 +70,7 @@ void ReadCommand::run(const QStringList& values, const QCommandLineParser& parse
             context.console.result(cli::entryColumns(list));
         }
     };
-    context.console.result(session.description().description());
+    context.console.result(cli::cameraText(session.description()));
     print(tr("Factory list: %1").arg(cli::entryCount(factory.size())), factory);
     print(tr("User list: %1, at most %2").arg(cli::entryCount(user.size())).arg(capacity), user);
     if (save) {

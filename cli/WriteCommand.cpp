@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/WriteCommand.h"
 
+#include "cli/CameraChoice.h"
 #include "cli/CameraSession.h"
 #include "cli/Console.h"
 #include "cli/UserListFile.h"
@@ -35,13 +36,14 @@ void WriteCommand::run(const QStringList& values, const QCommandLineParser& pars
 
     CameraSession session(context, values[0]);
     if (!context.json) {
-        context.console.result(session.description().description());
+        context.console.result(cli::cameraText(session.description()));
     }
     const QJsonObject written = cli::writeUserEntries(session, entries, parser, context);
     if (context.json) {
-        const QJsonObject result{{QStringLiteral("camera"), session.description().toJson()},
-                                 {QStringLiteral("file"), values[1]},
-                                 {QStringLiteral("written"), written}};
+        const QJsonObject result{
+            {QStringLiteral("camera"), cli::cameraObject(session.description())},
+            {QStringLiteral("file"), values[1]},
+            {QStringLiteral("written"), written}};
         context.console.result(
             QString::fromUtf8(QJsonDocument(result).toJson(QJsonDocument::Compact)));
     }

@@ -66,8 +66,7 @@ QJsonObject cli::writeUserEntries(CameraSession& session, std::span<const Badpix
     const SensorEntries wanted =
         userEntriesOf(entries, {camera.imageWidth(), camera.imageHeight()});
     noteEntriesBeside(entries, camera.imageWidth(), context.console);
-    GuardedWrite guarded(CameraLists(context.sdk, camera.handle()), session.description().serNo,
-                         backupFolder());
+    GuardedWrite guarded(CameraLists(camera), session.description().serNo, backupFolder());
     guarded.check(wanted.entries);
     const QString replaced = entryCount(guarded.oldEntries().size());
     const QString written = entryCount(wanted.entries.size());

@@ -113,6 +113,9 @@ void checkListFile(const QString& filename)
         }
         return;
     }
+    if (filename.isEmpty()) {
+        fail(CantOpenForWriting);
+    }
     QFile file(filename);
     if (!target.isSymLink() &&
         !(file.open(QIODevice::WriteOnly | QIODevice::NewOnly) && file.remove())) {

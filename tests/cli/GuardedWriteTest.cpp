@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "cli/GuardedWrite.h"
 
-#include "cli/CommandError.h"
+#include "camera/Camera.h"
 #include "hotpixel/BadpixelListFile.h"
 #include "tests/cli/EepromSdk.h"
 
@@ -32,7 +32,7 @@ struct Bench
 
     GuardedWrite guardedWrite()
     {
-        return {CameraLists(sdk, 1), QStringLiteral("4102/7"), folder()};
+        return {CameraLists(camera), QStringLiteral("4102/7"), folder()};
     }
 
     [[nodiscard]] QString folder() const { return home.filePath(QStringLiteral("backups")); }
@@ -44,13 +44,14 @@ struct Bench
         try {
             write.check(list);
             backup = write.write();
-        } catch (const cli::CommandError& error) {
+        } catch (const std::runtime_error& error) {
             return QString::fromUtf8(error.what());
         }
         return {};
     }
 
     EepromSdk sdk;
+    Camera camera{sdk};
     QTemporaryDir home;
     QString backup;
 };

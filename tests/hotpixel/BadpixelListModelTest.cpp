@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListModel.h"
 
+#include "hotpixel/ListFull.h"
 #include "tests/hotpixel/PrintEntry.h"
 
 #include <QFile>
@@ -487,6 +488,28 @@ TEST_F(HotpixelList, AddsUpTo5000EntriesWithoutTheCamerasLimit)
     load(Entries(4999, {1, 1, 0}));
     EXPECT_TRUE(m_model.addBadpixel({2, 2}));
     EXPECT_EQ(m_model.rowCount(), 5000);
+}
+
+TEST_F(HotpixelList, TellsItsLimitToWhoeverAddsBeyondIt)
+{
+    const auto full = [this] {
+        try {
+            m_model.addBadpixel({3, 3});
+        } catch (const ListFull& error) {
+            return std::pair(error.limit(), error.count());
+        }
+        return std::pair(-1, std::int64_t{-1});
+    };
+    m_model.setMaxUserEntries(3);
+    m_model.setFactoryCount(2);
+    load(Entries(6, {1, 1, 0}));
+    EXPECT_EQ(full(), std::pair(3, std::int64_t{4}));
+    m_model.setFactoryCount(INT_MIN);
+    EXPECT_EQ(full(), std::pair(3, std::int64_t{6} - INT_MIN));
+
+    m_model.setLimitByCamera(false);
+    load(Entries(4998, {1, 1, 0}));
+    EXPECT_EQ(full(), std::pair(5000, std::int64_t{5004})) << "not the limit that the text names";
 }
 
 TEST_F(HotpixelList, NamesTheCamerasLimitAlsoForThatOf5000)

@@ -474,6 +474,23 @@ TEST(CompanionProcess, SaysNothingOfASettingsFileThatIsNotThereButOfOneThatIsWro
     EXPECT_EQ(wrong.err.count('\n'), 1) << wrong.err.constData();
 }
 
+#ifdef Q_OS_LINUX
+
+TEST(CompanionProcess, HasNoWidgetsInIt)
+{
+    const CompanionBench bench(smallCamera().replace("speed=40", "speed=0.05"));
+    const std::unique_ptr<QProcess> process =
+        bench.start({QStringLiteral("detect"), QStringLiteral("1"), QStringLiteral("--cover")});
+    ASSERT_TRUE(CompanionBench::waitForError(*process, "Taking 10 dark frames"));
+    const QByteArray mapped = contentOf(QStringLiteral("/proc/%1/maps").arg(process->processId()));
+    EXPECT_TRUE(mapped.contains("libQt6Core")) << mapped.constData();
+    EXPECT_FALSE(mapped.contains("libQt6Widgets")) << mapped.constData();
+    process->terminate();
+    EXPECT_EQ(CompanionBench::finish(*process).status, 1);
+}
+
+#endif
+
 #ifdef Q_OS_UNIX
 
 TEST(CompanionProcess, WritesAnXForTheTimesSignWhereTheLocaleHasNone)

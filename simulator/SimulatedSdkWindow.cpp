@@ -3,19 +3,6 @@
 #include "simulator/SimulatedCameraSdk.h"
 #include "simulator/SimulatedCamerasWindow.h"
 
-#include <QCoreApplication>
-
-std::vector<SdkSwitch> sdkSwitches()
-{
-    const auto cover = [](CameraSdk& sdk, std::uint32_t devId) {
-        if (auto* simulated = dynamic_cast<SimulatedCameraSdk*>(&sdk)) {
-            simulated->control(simulated->serialOf(devId)).setCovered(true);
-        }
-    };
-    return {{QStringLiteral("cover"),
-             QCoreApplication::translate("SdkExtras", "Cover the simulated camera."), cover}};
-}
-
 std::unique_ptr<QObject> createSdkWindow(CameraSdk& sdk)
 {
     auto* simulated = dynamic_cast<SimulatedCameraSdk*>(&sdk);
