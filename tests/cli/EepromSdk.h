@@ -31,9 +31,11 @@ public:
     std::int32_t capacity = 10;
     Fault fault = Fault::None;
     int faultyCall = 0;
-    int unlikeWrites = 0; ///< how many writes, from the first on, store another list and succeed
+    int unlikeWrites = 0; ///< how many writes, from the first on, store one entry wrong and succeed
     int calls = 0;
     int writes = 0;
+    int deletions = 0;    ///< those of the writes that delete the list
+    bool explains = true; ///< whether it has a text for what went wrong
 
     /// Called before each command that changes the EEPROM.
     std::function<void()> beforeChange = [] {};
@@ -45,10 +47,11 @@ public:
         const bool changes = command == camera::SetUserList || command == camera::DeleteUserList;
         if (changes) {
             ++writes;
+            deletions += command == camera::DeleteUserList ? 1 : 0;
             beforeChange();
         }
         if (changes && writes <= unlikeWrites) {
-            storeOther(command, buffer);
+            storeChanged(command, buffer);
             return 0;
         }
         const bool struck =
@@ -79,10 +82,7 @@ public:
                 break;
             case Fault::StoreChanged:
                 if (changes) {
-                    store(command, buffer);
-                    if (!user.empty()) {
-                        user.back().y ^= 1U;
-                    }
+                    storeChanged(command, buffer);
                     return 0;
                 }
                 break;
@@ -114,7 +114,7 @@ public:
     {
         static char tired[] = "The EEPROM is tired.";
         *text = tired;
-        return *code == FaultCode ? 0 : 1;
+        return explains && *code == FaultCode ? 0 : 1;
     }
 
     // No camera behind it.
@@ -176,6 +176,14 @@ private:
     {
         store(command, buffer);
         user.push_back({1, 1, UserPixel});
+    }
+
+    void storeChanged(std::int32_t command, const void* buffer)
+    {
+        store(command, buffer);
+        if (!user.empty()) {
+            user.back().y ^= 1U;
+        }
     }
 
     void store(std::int32_t command, const void* buffer)

@@ -87,6 +87,7 @@ TEST(GuardedWrite, DeletesTheListForNoEntries)
     Bench bench;
     EXPECT_EQ(bench.replaceBy({}), QString());
     EXPECT_TRUE(bench.sdk.user.empty());
+    EXPECT_EQ(bench.sdk.deletions, 1) << "a list of no entries is not a list that a camera takes";
     EXPECT_EQ(hotpixel::readListFile(bench.backup), OldList);
 }
 
@@ -137,6 +138,16 @@ TEST(GuardedWrite, WritesNothingWhenTheOldListCantBeRead)
                   QStringLiteral("Can't read the camera's user list: The EEPROM is tired."));
         EXPECT_EQ(bench.sdk.writes, 0);
     }
+}
+
+TEST(GuardedWrite, TakesNoTextFromAnSdkThatDoesNotKnowTheError)
+{
+    Bench bench;
+    bench.sdk.explains = false;
+    bench.sdk.fault = Fault::Refuse;
+    bench.sdk.faultyCall = 2;
+    EXPECT_EQ(bench.replaceBy(NewList),
+              QStringLiteral("Can't read the camera's user list: Unknown error."));
 }
 
 TEST(GuardedWrite, WritesNothingWhenTheCapacityCantBeRead)
