@@ -478,6 +478,11 @@ void MainWindow::createConnections()
             &MainWindow::updateSelection);
     connect(&m_badpixelListModel, &QAbstractItemModel::dataChanged, this,
             &MainWindow::setSelection);
+    // Sorting puts another entry under the selection, which stays with its row.
+    connect(&m_badpixelListModel, &QAbstractItemModel::layoutChanged, this, [this] {
+        enableDelete(selectedBadpixel());
+        redraw();
+    });
 
     connect(display, &DisplayWidget::positionClicked, this, &MainWindow::setMagnifierPosition);
     connect(display, &DisplayWidget::scaleChanged, this, &MainWindow::updateScaleFactor);

@@ -202,6 +202,7 @@ private:
     void showNoCamera();
     void giveFocusTo(const QDockWidget* raised);
     void redraw();
+    void enableDelete(const QModelIndex& selected);
     template <typename Exchange>
     void exchangeFile(const QString& fileName, const Exchange& exchange);
 

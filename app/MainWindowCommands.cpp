@@ -281,8 +281,7 @@ void MainWindow::updateStatus()
     for (int row = 0; row < m_badpixelListModel.rowCount(); ++row) {
         userCount += m_badpixelListModel.badpixelAt(row).pixelClass == UserPixel ? 1 : 0;
     }
-    // Whatever is not a user entry counts as a factory one, the ignored entries included, on
-    // purpose: together the two figures are the length of the list.
+    // behaviour.md: f-counts-the-rest
     const int otherCount = m_badpixelListModel.rowCount() - userCount;
     setStatus(StatusField::UserCount, tr("U: %1").arg(userCount));
     setStatus(StatusField::FactoryCount, tr("F: %1").arg(otherCount));
@@ -321,8 +320,7 @@ void MainWindow::onZoomChanged(QAction* act)
         double displayScale;
         int scaleFactor;
     };
-    // The reducing steps keep the factor 1 on purpose: it only divides in setSelection(), and a
-    // factor of 0 would divide by nothing.
+    // behaviour.md: factor-1
     constexpr ZoomStep Steps[] = {
         {Command::Zoom1To1, 1.0, 1}, {Command::Zoom2To1, 2.0, 2},  {Command::Zoom4To1, 4.0, 4},
         {Command::Zoom1To2, 0.5, 1}, {Command::Zoom1To4, 0.25, 1}, {Command::ZoomToFit, 0.0, 0},
@@ -341,11 +339,10 @@ void MainWindow::onZoomChanged(QAction* act)
 
 void MainWindow::setMagnifierPosition(QPoint position)
 {
-    // The upper bound comes last: without an image the coordinates become -1.
+    // The upper bound comes last (behaviour.md: minus-one).
     m_magnifierPosition = {std::min(std::max(position.x(), 0), m_camera.imageWidth() - 1),
                            std::min(std::max(position.y(), 0), m_camera.imageHeight() - 1)};
-    // The position as it was asked for, not the clamped one, on purpose: a click beyond the edge
-    // must not select the entry of an edge pixel.
+    // behaviour.md: unclamped-lookup
     const QModelIndex entry = m_badpixelListModel.findBadpixel(position, ExactPosition);
     if (entry.isValid()) {
         m_badpixelListSelection->select(entry, QItemSelectionModel::ClearAndSelect |
@@ -378,16 +375,20 @@ void MainWindow::setSelection(QModelIndex topLeft, QModelIndex /*bottomRight*/)
         scrollTo(m_form->display->verticalScrollBar(), entry.y, shown->height(), m_scaleFactor);
         scrollTo(m_form->display->horizontalScrollBar(), entry.x, shown->width(), m_scaleFactor);
         m_badpixelListView->scrollTo(topLeft);
-        const QString shownClass = topLeft.siblingAtColumn(PixelclassColumn).data().toString();
-        action(Command::Delete)->setEnabled(shownClass != QLatin1String("factory"));
-    } else {
-        action(Command::Delete)->setEnabled(false);
     }
+    enableDelete(topLeft);
     // Where the magnifier's new position selected the entry first, the image shows all of it by
     // now.
     if (m_redraws == redrawsBefore) {
         redraw();
     }
+}
+
+void MainWindow::enableDelete(const QModelIndex& selected)
+{
+    const QString shownClass = selected.siblingAtColumn(PixelclassColumn).data().toString();
+    action(Command::Delete)
+        ->setEnabled(selected.isValid() && shownClass != QLatin1String("factory"));
 }
 
 void MainWindow::addNewBadpixel()

@@ -44,16 +44,14 @@ const QList<QRgb>& greyTable()
     return table;
 }
 
-// Not std::clamp: min may lie above max, as it does for a camera that is always faster than the
-// two frames per second that the frame rate is capped at, and min wins then.
+// Not std::clamp: min may lie above max (behaviour.md: min-wins).
 template <typename T>
 T clamped(T value, const CameraParameter<T>& parameter)
 {
     return value < parameter.min ? parameter.min : std::min(value, parameter.max);
 }
 
-// Deliberately minus min, although a slider's position 0 stands for min, and deliberately a whole
-// number: positions and values have always been coupled like this.
+// behaviour.md: relative-minus-min
 double relativeValue(int position, const CameraParameter<double>& parameter)
 {
     const double value = std::trunc((position - parameter.min) / parameter.increment);
@@ -106,11 +104,11 @@ Camera::~Camera()
         (*thread)->stop();
     }
     waitOrTerminate(m_frameThread, m_frameThread);
-    waitOrTerminate(m_reconnectThread, m_frameThread); // deliberate, see close()
+    waitOrTerminate(m_reconnectThread, m_frameThread); // behaviour.md: other-thread
     waitOrTerminate(m_deviceNewThread, m_deviceNewThread);
     waitOrTerminate(m_deviceRemovedThread, m_deviceRemovedThread);
     waitOrTerminate(m_removedThread, m_removedThread);
-    // Deliberately never told to stop: it runs from the first opening to the end.
+    // Never told to stop (behaviour.md: event-8-stays).
     waitOrTerminate(m_frameFailedThread, m_frameFailedThread);
 
     const QDeadlineTimer deadline(LetGoMsec);
@@ -227,8 +225,7 @@ void Camera::close()
     m_reconnectThread->stop();
     m_removedThread->stop();
     waitOrTerminate(m_frameThread, m_frameThread);
-    // Deliberately the frame thread: the reconnect thread may take its time, and is waited for when
-    // it is started again or destroyed. Terminated, it would leave its event bound at the SDK.
+    // behaviour.md: other-thread. The reconnect thread is waited for when it is started again.
     waitOrTerminate(m_reconnectThread, m_frameThread);
     waitOrTerminate(m_removedThread, m_removedThread);
 
@@ -429,7 +426,7 @@ void Camera::updateFramerate()
     double timeStep = 1.0;
     m_sdk.getFrameTimeRange(m_handle, &minTime, &maxTime, &timeStep);
     m_framerate.min = 1.0 / maxTime;
-    // Deliberately capped, whatever the sensor allows: hotpixels need long exposures.
+    // behaviour.md: rate-cap
     m_framerate.max = std::min(1.0 / minTime, MaxFramesPerSecond);
     m_framerate.increment = (m_framerate.max - m_framerate.min) / ((maxTime - minTime) / timeStep);
     m_sdk.setFrameRate(m_handle, m_framerate.value, &m_framerate.value);
@@ -440,7 +437,7 @@ void Camera::updateFramerate()
 void Camera::updateExposure()
 {
     m_sdk.getExposureRange(m_handle, &m_exposure.min, &m_exposure.max, &m_exposure.increment);
-    double currentExposureMsec = 0.0; // asked for as the camera is used to, and not needed
+    double currentExposureMsec = 0.0; // behaviour.md: exposure-asked
     m_sdk.setExposureTime(m_handle, camera::QueryCurrentDouble, &currentExposureMsec);
     m_sdk.setExposureTime(m_handle, m_exposure.value, &m_exposure.value);
     emit exposureChanged(m_exposure);

@@ -11,7 +11,7 @@
 
 class CameraSdk;
 
-/// A command-line switch that an SDK brings along, such as the lens cap of simulated cameras.
+/// A command-line switch that an SDK brings along, such as the cover of simulated cameras.
 struct SdkSwitch
 {
     QString name;                                               ///< without the leading dashes

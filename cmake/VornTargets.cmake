@@ -35,6 +35,8 @@ if(PROJECT_IS_TOP_LEVEL)
                 -Wundef
                 -Wextra-semi
                 -Wimplicit-fallthrough
+                $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
+                $<$<CXX_COMPILER_ID:Clang>:-Werror=thread-safety>
                 $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond>
                 $<$<CXX_COMPILER_ID:GNU>:-Wlogical-op>
                 $<$<BOOL:${VORN_WARNINGS_AS_ERRORS}>:-Werror>)

@@ -26,32 +26,19 @@ struct Switch
 {
     const char* objectName;
     const char* text;
-    bool (*state)(const SimulatedCameraSdk& sdk, const QString& serial);
-    void (*set)(SimulatedCameraSdk& sdk, const QString& serial, bool on);
+    bool (SimulatedCameraControl::*state)() const;
+    void (SimulatedCameraControl::*set)(bool on) const;
 };
-
-template <auto Getter>
-bool stateOf(const SimulatedCameraSdk& sdk, const QString& serial)
-{
-    return (sdk.*Getter)(serial);
-}
-
-template <auto Setter>
-void setState(SimulatedCameraSdk& sdk, const QString& serial, bool on)
-{
-    (sdk.*Setter)(serial, on);
-}
 
 constexpr std::array<Switch, 4> Switches{{
     {"plugged", QT_TRANSLATE_NOOP("SimulatedCamerasWindow", "plugged"),
-     &stateOf<&SimulatedCameraSdk::isPlugged>, &setState<&SimulatedCameraSdk::setPlugged>},
+     &SimulatedCameraControl::isPlugged, &SimulatedCameraControl::setPlugged},
     {"cover", QT_TRANSLATE_NOOP("SimulatedCamerasWindow", "cover the sensor"),
-     &stateOf<&SimulatedCameraSdk::isCovered>, &setState<&SimulatedCameraSdk::setCovered>},
+     &SimulatedCameraControl::isCovered, &SimulatedCameraControl::setCovered},
     {"drop", QT_TRANSLATE_NOOP("SimulatedCamerasWindow", "drop frames"),
-     &stateOf<&SimulatedCameraSdk::dropsFrames>, &setState<&SimulatedCameraSdk::setDropFrames>},
+     &SimulatedCameraControl::dropsFrames, &SimulatedCameraControl::setDropFrames},
     {"held", QT_TRANSLATE_NOOP("SimulatedCamerasWindow", "held by another program"),
-     &stateOf<&SimulatedCameraSdk::isHeldElsewhere>,
-     &setState<&SimulatedCameraSdk::setHeldElsewhere>},
+     &SimulatedCameraControl::isHeldElsewhere, &SimulatedCameraControl::setHeldElsewhere},
 }};
 
 constexpr Qt::WindowFlags Flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
@@ -108,7 +95,7 @@ SimulatedCamerasWindow::SimulatedCamerasWindow(SimulatedCameraSdk& sdk, QWidget*
         addCamera(layout, row++, serial);
     }
     if (!serials.isEmpty()) {
-        const QFileInfo eeprom(sdk.eepromFileName(serials.first()));
+        const QFileInfo eeprom(sdk.control(serials.first()).eepromFileName());
         addLine(layout, row++, "eepromFolder",
                 tr("EEPROM files: %1").arg(QDir::toNativeSeparators(eeprom.absolutePath())));
     }
@@ -164,18 +151,18 @@ void SimulatedCamerasWindow::closeEvent(QCloseEvent* event)
 
 void SimulatedCamerasWindow::addCamera(QGridLayout* layout, int row, const QString& serial)
 {
+    const SimulatedCameraControl camera = m_sdk.control(serial);
     int column = 0;
-    layout->addWidget(new QLabel(tr("%1  %2").arg(m_sdk.modelOf(serial), serial), this), row,
-                      column++);
+    layout->addWidget(new QLabel(tr("%1  %2").arg(camera.model(), serial), this), row, column++);
     for (const Switch& entry : Switches) {
         auto* box = new QCheckBox(tr(entry.text), this);
         box->setObjectName(QLatin1String(entry.objectName) + '_' + serial);
         box->setAccessibleName(tr("%1: %2").arg(serial, box->text()));
-        box->setChecked(entry.state(m_sdk, serial));
+        box->setChecked((camera.*entry.state)());
         connect(box, &QCheckBox::toggled, this,
-                [this, serial, &entry](bool on) { entry.set(m_sdk, serial, on); });
+                [camera, &entry](bool on) { (camera.*entry.set)(on); });
         m_refreshers.emplace_back(
-            [this, box, serial, &entry] { box->setChecked(entry.state(m_sdk, serial)); });
+            [box, camera, &entry] { box->setChecked((camera.*entry.state)()); });
         layout->addWidget(box, row, column++);
     }
 
@@ -186,12 +173,12 @@ void SimulatedCamerasWindow::addCamera(QGridLayout* layout, int row, const QStri
     temperature->setRange(-50.0, 100.0);
     temperature->setDecimals(1);
     temperature->setSuffix(tr(" \u00b0C"));
-    temperature->setValue(m_sdk.temperature(serial));
+    temperature->setValue(camera.temperature());
     connect(temperature, &QDoubleSpinBox::valueChanged, this,
-            [this, serial](double celsius) { m_sdk.setTemperature(serial, celsius); });
-    m_refreshers.emplace_back([this, temperature, serial] {
+            [camera](double celsius) { camera.setTemperature(celsius); });
+    m_refreshers.emplace_back([temperature, camera] {
         if (!temperature->hasFocus()) { // somebody may be typing
-            temperature->setValue(m_sdk.temperature(serial));
+            temperature->setValue(camera.temperature());
         }
     });
     layout->addWidget(temperature, row, column);

@@ -8,10 +8,9 @@ std::vector<SdkSwitch> sdkSwitches()
 {
     const auto cover = [](CameraSdk& sdk, std::uint32_t devId) {
         if (auto* simulated = dynamic_cast<SimulatedCameraSdk*>(&sdk)) {
-            simulated->setCovered(simulated->serialOf(devId), true);
+            simulated->control(simulated->serialOf(devId)).setCovered(true);
         }
     };
     return {{QStringLiteral("cover"),
-             QCoreApplication::translate("SdkExtras", "Put the lens cap on the simulated camera."),
-             cover}};
+             QCoreApplication::translate("SdkExtras", "Cover the simulated camera."), cover}};
 }

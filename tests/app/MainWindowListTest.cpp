@@ -331,6 +331,25 @@ TEST_F(MainWindowRedraws, ALoadThatFailsDrawsOnce)
               1);
 }
 
+TEST_F(MainWindowRedraws, SortingDrawsOnce)
+{
+    select(3);
+    EXPECT_EQ(redrawsOf([&] { badpixelView()->sortByColumn(0, Qt::DescendingOrder); }), 1);
+}
+
+TEST_F(MainWindowList, DeleteFollowsTheEntryThatSortingPutsUnderTheSelection)
+{
+    chooseFile("&Load hotpixel list", listFile("90 6 2\n")); // 3, 60 and 90, which reads "factory"
+    select(0);
+    EXPECT_TRUE(deleteAction()->isEnabled());
+    badpixelView()->sortByColumn(0, Qt::DescendingOrder);
+    EXPECT_EQ(badpixels().first(), "90,6 factory");
+    EXPECT_EQ(selectedRows(badpixelView()), QList<int>({0}));
+    EXPECT_FALSE(deleteAction()->isEnabled());
+    badpixelView()->sortByColumn(0, Qt::AscendingOrder);
+    EXPECT_TRUE(deleteAction()->isEnabled());
+}
+
 TEST_F(MainWindowRedraws, ASelectionByKeyDrawsOnce)
 {
     select(3);

@@ -21,7 +21,7 @@ protected:
             ++m_sdks;
             return std::make_unique<EepromSdk>();
         };
-        const SdkSwitch cover{QStringLiteral("cover"), QStringLiteral("Put the lens cap on."),
+        const SdkSwitch cover{QStringLiteral("cover"), QStringLiteral("Cover the camera."),
                               [](CameraSdk&, std::uint32_t) {}};
         Companion companion(makeSdk, {cover}, m_recorded.console(), m_interruption, commands);
         return companion.run(QStringList(QStringLiteral("/usr/bin/vorn-hotpixel")) + arguments);

@@ -106,26 +106,6 @@ TEST(BadpixelDetectorVisitors, DivTruncates)
     }
 }
 
-TEST(BadpixelDetectorVisitors, WorkOn16BitSumsAsOnElements)
-{
-    const unsigned char pixel = 200;
-    quint16 element = 77;
-    BadpixelDetector::CopyIterator()(element, &pixel);
-    EXPECT_EQ(element, 200);
-    BadpixelDetector::SumIterator()(element, &pixel);
-    EXPECT_EQ(element, 400);
-
-    // All sums that up to 257 bytes can have.
-    for (unsigned divisor = 1; divisor <= 257; ++divisor) {
-        const BadpixelDetector::DivIterator divide(divisor);
-        for (unsigned sum = 0; sum <= 255 * divisor; ++sum) {
-            auto mean = static_cast<quint16>(sum);
-            divide(mean);
-            ASSERT_EQ(mean, sum / divisor) << sum << " / " << divisor;
-        }
-    }
-}
-
 TEST(BadpixelDetectorWalk, VisitsXAtTheWidthBeforeItWraps)
 {
     const QImage image = uniformFrame(4, 2, 0);

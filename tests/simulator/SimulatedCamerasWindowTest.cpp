@@ -59,14 +59,14 @@ TEST_F(SimulatedCamerasWindowTest, ItsBoxesActOnTheirCamera)
     click("cover", Bayer);
     click("drop", Mono);
     click("held", Bayer);
-    EXPECT_FALSE(m_bench.sdk->isPlugged(Mono));
-    EXPECT_TRUE(m_bench.sdk->isPlugged(Bayer));
-    EXPECT_TRUE(m_bench.sdk->isCovered(Bayer));
-    EXPECT_FALSE(m_bench.sdk->isCovered(Mono));
-    EXPECT_TRUE(m_bench.sdk->dropsFrames(Mono));
-    EXPECT_TRUE(m_bench.sdk->isHeldElsewhere(Bayer));
+    EXPECT_FALSE(m_bench.sdk->control(Mono).isPlugged());
+    EXPECT_TRUE(m_bench.sdk->control(Bayer).isPlugged());
+    EXPECT_TRUE(m_bench.sdk->control(Bayer).isCovered());
+    EXPECT_FALSE(m_bench.sdk->control(Mono).isCovered());
+    EXPECT_TRUE(m_bench.sdk->control(Mono).dropsFrames());
+    EXPECT_TRUE(m_bench.sdk->control(Bayer).isHeldElsewhere());
     click("plugged", Mono);
-    EXPECT_TRUE(m_bench.sdk->isPlugged(Mono));
+    EXPECT_TRUE(m_bench.sdk->control(Mono).isPlugged());
 }
 
 TEST_F(SimulatedCamerasWindowTest, TheTemperatureIsTyped)
@@ -77,8 +77,8 @@ TEST_F(SimulatedCamerasWindowTest, TheTemperatureIsTyped)
     temperature->selectAll();
     QTest::keyClicks(temperature, QStringLiteral("41.5"));
     QTest::keyClick(temperature, Qt::Key_Return);
-    EXPECT_EQ(m_bench.sdk->temperature(Mono), 41.5);
-    EXPECT_EQ(m_bench.sdk->temperature(Bayer), 25.0);
+    EXPECT_EQ(m_bench.sdk->control(Mono).temperature(), 41.5);
+    EXPECT_EQ(m_bench.sdk->control(Bayer).temperature(), 25.0);
 }
 
 TEST_F(SimulatedCamerasWindowTest, EveryControlIsReachedByTheTabKey)
@@ -92,15 +92,15 @@ TEST_F(SimulatedCamerasWindowTest, EveryControlIsReachedByTheTabKey)
     auto* cover = find<QCheckBox>("cover", Mono);
     cover->setFocus();
     QTest::keyClick(cover, Qt::Key_Space);
-    EXPECT_TRUE(m_bench.sdk->isCovered(Mono));
+    EXPECT_TRUE(m_bench.sdk->control(Mono).isCovered());
 }
 
 TEST_F(SimulatedCamerasWindowTest, FollowsWhatHappensElsewhere)
 {
     m_window.show();
-    m_bench.sdk->setCovered(Mono, true);
-    m_bench.sdk->setPlugged(Bayer, false);
-    m_bench.sdk->setTemperature(Bayer, 30);
+    m_bench.sdk->control(Mono).setCovered(true);
+    m_bench.sdk->control(Bayer).setPlugged(false);
+    m_bench.sdk->control(Bayer).setTemperature(30);
     EXPECT_TRUE(QTest::qWaitFor(
         [this] {
             return find<QCheckBox>("cover", Mono)->isChecked() &&
@@ -164,7 +164,7 @@ TEST(SdkWindow, AMistakeInTheSettingsFileIsShown)
     EXPECT_EQ(message->text(), bus.message);
 }
 
-TEST(SdkSwitches, PutTheLensCapOn)
+TEST(SdkSwitches, CoverTheCamera)
 {
     Bench bench;
     const std::vector<SdkSwitch> switches = sdkSwitches();
@@ -172,10 +172,10 @@ TEST(SdkSwitches, PutTheLensCapOn)
     EXPECT_EQ(switches[0].name, QStringLiteral("cover"));
     EXPECT_FALSE(switches[0].description.isEmpty());
     switches[0].apply(*bench.sdk, 2);
-    EXPECT_TRUE(bench.sdk->isCovered(Bayer));
-    EXPECT_FALSE(bench.sdk->isCovered(Mono));
+    EXPECT_TRUE(bench.sdk->control(Bayer).isCovered());
+    EXPECT_FALSE(bench.sdk->control(Mono).isCovered());
     switches[0].apply(*bench.sdk, 99);
-    EXPECT_FALSE(bench.sdk->isCovered(Mono));
+    EXPECT_FALSE(bench.sdk->control(Mono).isCovered());
 }
 
 TEST(SimulatedCamerasPlace, IsBesideTheMainWindowWhereverThereIsRoom)
