@@ -34,7 +34,7 @@ public:
     GuardedWrite(CameraLists lists, QString serNo, QString backupFolder);
 
     /// Reads the list that is to be replaced, and finds out whether @p entries fit into the camera.
-    /// @throws std::runtime_error when they don't, or when the camera does not say. Nothing has
+    /// @throws std::runtime_error when they don't, or when the camera does not say; nothing has
     /// been
     ///         changed then.
     void check(std::span<const BadpixelEntry> entries);

@@ -174,8 +174,8 @@ std::vector<BadpixelEntry> readUserListFile(const QString& fileName)
         }
         BadpixelEntry entry;
         if (const QString fault = takeEntry(text, entry); !fault.isEmpty()) {
-            throw CommandError(
-                ListFiles::tr("%1, line %2: %3").arg(fileName).arg(entries.size() + 1).arg(fault));
+            throw CommandError(ListFiles::tr("%1, line %2: %3")
+                                   .arg(fileName, QString::number(entries.size() + 1), fault));
         }
         entries.push_back(entry);
     }

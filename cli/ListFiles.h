@@ -47,8 +47,8 @@ SensorEntries userEntriesOf(std::span<const BadpixelEntry> entries, const QSize&
 ///         made.
 void checkOutputFile(const QString& fileName);
 
-/// Saves the user entries among @p entries; an existing file is replaced only as a whole.
-/// @throws CommandError with the file's name and the reason; the old file is as it was.
+/// Saves the user entries among @p entries with hotpixel::writeListFile().
+/// @throws CommandError with the file's name and the reason.
 void saveOutputFile(const QString& fileName, std::span<const BadpixelEntry> entries);
 
 // Dated list files that keep what a camera held before something was written into it.

@@ -102,6 +102,18 @@ TEST_F(UserListFile, IsRefusedForANumberWithALeadingZero)
     }
 }
 
+TEST_F(UserListFile, IsNamedAsItIsCalled)
+{
+    const QString name = folder() + QStringLiteral("/100%2 %3.txt");
+    QFile file(name);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("1 2 1\n01 2 1\n");
+    file.close();
+    EXPECT_EQ(failure(name),
+              name + QStringLiteral(", line 2: 01 has a leading zero, with which the "
+                                    "editor reads it as octal."));
+}
+
 TEST_F(UserListFile, TakesTheSmallestAndTheGreatestCoordinates)
 {
     write("0 0 1\n65535 65535 1\n");
