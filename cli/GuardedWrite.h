@@ -34,8 +34,7 @@ public:
     GuardedWrite(CameraLists lists, QString serNo, QString backupFolder);
 
     /// Reads the list that is to be replaced, and finds out whether @p entries fit into the camera.
-    /// @throws std::runtime_error when they don't, or when the camera does not say; nothing has
-    /// been
+    /// @throws std::runtime_error when they don't, or when the camera does not say; nothing is
     ///         changed then.
     void check(std::span<const BadpixelEntry> entries);
 
@@ -50,7 +49,7 @@ public:
     ///
     /// @return the backup file's name.
     /// @throws cli::CommandError what failed, which list the camera holds, and where the old one
-    /// is.
+    ///         is.
     QString write();
 
 private:
