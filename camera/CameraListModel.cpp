@@ -18,8 +18,7 @@ bool ascending(const CameraItem& a, const CameraItem& b, int column)
     case CameraListModel::CamColumn:
         return a.camId < b.camId;
     case CameraListModel::DevColumn:
-        // Deliberately a devId against a camId. Comparing devId with devId would give another
-        // order than the one that this list has always had.
+        // behaviour.md: dev-column
         return a.devId < b.camId;
     case CameraListModel::ModelColumn:
         return a.model < b.model;
@@ -35,7 +34,7 @@ bool ascending(const CameraItem& a, const CameraItem& b, int column)
 
 bool descending(const CameraItem& a, const CameraItem& b, int column)
 {
-    // Deliberately a devId against a camId, as above; for the other columns this is the ascending
+    // behaviour.md: dev-column; for the other columns this is the ascending
     // order of b and a.
     return column == CameraListModel::DevColumn ? a.devId > b.camId : ascending(b, a, column);
 }
@@ -196,8 +195,7 @@ void CameraListModel::refreshRows(bool& changed)
     }
 
     if (!cameras.isEmpty()) {
-        // Deliberately not marked as opened, even if one is: that is a change of a row, which the
-        // next refresh finds and tells.
+        // behaviour.md: new-row-later
         beginInsertRows({}, rowCount(), rowCount() + static_cast<int>(cameras.size()) - 1);
         m_rows.append(std::move(cameras));
         endInsertRows();

@@ -1,12 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "cli/CameraSession.h"
 
-#include "cli/CameraChoice.h"
+#include "camera/CameraListModel.h"
 #include "cli/Command.h"
-#include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/Interruption.h"
-#include "cli/ProgressBar.h"
 
 #include <QFileInfo>
 
@@ -18,13 +16,52 @@ constexpr auto SettingsFile = "./VornHotpixelEditor.ini"; ///< as Camera::open()
 
 } // namespace
 
+QString cli::cameraText(const CameraItem& camera)
+{
+    return CameraSession::tr("%1, SerNo %2, Dev %3")
+        .arg(camera.model, camera.serNo)
+        .arg(camera.devId);
+}
+
+QJsonObject cli::cameraObject(const CameraItem& camera)
+{
+    return {{QStringLiteral("cam"), static_cast<qint64>(camera.camId)},
+            {QStringLiteral("dev"), static_cast<qint64>(camera.devId)},
+            {QStringLiteral("model"), camera.model},
+            {QStringLiteral("serNo"), camera.serNo},
+            {QStringLiteral("status"), CameraListModel::statusText(camera)}};
+}
+
+CameraItem cli::chooseCamera(const QList<CameraItem>& cameras, const QString& name)
+{
+    const CameraItem* found = nullptr;
+    for (const CameraItem& camera : cameras) {
+        if (camera.serNo != name && QString::number(camera.devId) != name) {
+            continue;
+        }
+        if (found != nullptr) {
+            throw CommandError(
+                CameraSession::tr(
+                    "\"%1\" is the Dev number of one camera and the serial number of another.")
+                    .arg(name));
+        }
+        found = &camera;
+    }
+    if (found == nullptr) {
+        throw CommandError(
+            CameraSession::tr("No camera with the Dev number or serial number \"%1\" is connected.")
+                .arg(name));
+    }
+    return *found;
+}
+
 CameraSession::CameraSession(CommandContext& context, const QString& name)
-    : CameraSession(context, cli::chooseCamera(camera::connectedCameras(context.sdk), name))
+    : CameraSession(context, cli::chooseCamera(camera::connectedCameras(context.sdk()), name))
 {}
 
 CameraSession::CameraSession(CommandContext& context, CameraItem camera)
     : m_context(context)
-    , m_camera(context.sdk)
+    , m_camera(context.sdk())
     , m_description(std::move(camera))
 {
     if (m_description.status != 0) {

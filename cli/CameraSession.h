@@ -5,9 +5,24 @@
 #include "camera/ConnectedCameras.h"
 
 #include <QCoreApplication>
-#include <QObject>
+#include <QJsonObject>
+#include <QString>
 
 struct CommandContext;
+
+namespace cli {
+
+/// "Model, SerNo 123, Dev 4"
+QString cameraText(const CameraItem& camera);
+
+/// {"cam", "dev", "model", "serNo", "status"}
+QJsonObject cameraObject(const CameraItem& camera);
+
+/// The camera whose "Dev" number or serial number is @p name.
+/// @throws CommandError when there is none, or more than one.
+CameraItem chooseCamera(const QList<CameraItem>& cameras, const QString& name);
+
+} // namespace cli
 
 /// A camera that is open for as long as the object lives. What it has to say that stops nothing
 /// becomes a notice. Main thread.

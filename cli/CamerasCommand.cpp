@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "cli/CamerasCommand.h"
+// `cameras`: the connected cameras, as the editor's camera list shows them.
 
 #include "camera/CameraListModel.h"
-#include "cli/CameraChoice.h"
+#include "cli/CameraSession.h"
+#include "cli/Command.h"
 #include "cli/Console.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
-#include <QJsonDocument>
 
 #include <algorithm>
 #include <array>
@@ -35,41 +36,51 @@ QString tableText(const std::vector<Row>& rows)
     return lines.join(u'\n');
 }
 
-} // namespace
-
-QString CamerasCommand::summary() const
+class CamerasCommand
 {
-    return tr("List the connected cameras.");
-}
+    Q_DECLARE_TR_FUNCTIONS(CamerasCommand)
 
-QString CamerasCommand::description() const
-{
-    return tr("Lists the connected cameras. Any other command takes the Dev number or the serial "
-              "number (SerNo) to name one of them; only a free camera can be opened.");
-}
+public:
+    static QList<QCommandLineOption> options(const std::vector<SdkSwitch>& /*switches*/)
+    {
+        return {};
+    }
 
-void CamerasCommand::run(const QStringList& /*values*/, const QCommandLineParser& /*parser*/,
-                         CommandContext& context) const
-{
-    const QList<CameraItem> cameras = camera::connectedCameras(context.sdk);
-    if (context.json) {
+    static void run(const QStringList& /*values*/, const QCommandLineParser& /*parser*/,
+                    CommandContext& context)
+    {
+        const QList<CameraItem> cameras = camera::connectedCameras(context.sdk());
+        Report report(context.console, context.json);
         QJsonArray array;
+        std::vector<Row> rows{{tr("Cam"), tr("Dev"), tr("Model"), tr("SerNo"), tr("Status")}};
         for (const CameraItem& camera : cameras) {
             array.append(cli::cameraObject(camera));
+            rows.push_back({QString::number(camera.camId), QString::number(camera.devId),
+                            camera.model, camera.serNo, CameraListModel::statusText(camera)});
         }
-        context.console.result(
-            QString::fromUtf8(QJsonDocument(QJsonObject{{QStringLiteral("cameras"), array}})
-                                  .toJson(QJsonDocument::Compact)));
-        return;
+        report.insert("cameras", array);
+        if (!cameras.isEmpty()) {
+            report.line(tableText(rows));
+        } else if (!context.json) {
+            context.console.notice(tr("No camera is connected."));
+        }
     }
-    if (cameras.isEmpty()) {
-        context.console.notice(tr("No camera is connected."));
-        return;
-    }
-    std::vector<Row> rows{{tr("Cam"), tr("Dev"), tr("Model"), tr("SerNo"), tr("Status")}};
-    for (const CameraItem& camera : cameras) {
-        rows.push_back({QString::number(camera.camId), QString::number(camera.devId), camera.model,
-                        camera.serNo, CameraListModel::statusText(camera)});
-    }
-    context.console.result(tableText(rows));
+};
+
+} // namespace
+
+namespace cli::commands {
+
+Command cameras()
+{
+    return {.name = QStringLiteral("cameras"),
+            .arguments = {},
+            .summary = CamerasCommand::tr("List the connected cameras."),
+            .description = CamerasCommand::tr(
+                "Lists the connected cameras. Any other command takes the Dev number or the\n"
+                "serial number (SerNo) to name one of them; only a free camera can be opened."),
+            .options = CamerasCommand::options,
+            .run = CamerasCommand::run};
 }
+
+} // namespace cli::commands

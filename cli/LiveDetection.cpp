@@ -3,8 +3,8 @@
 
 #include "cli/CameraSession.h"
 #include "cli/Command.h"
+#include "cli/Console.h"
 #include "cli/Interruption.h"
-#include "cli/ProgressBar.h"
 #include "detection/DetectionRun.h"
 #include "hotpixel/BadpixelListModel.h"
 #include "hotpixel/ListFull.h"

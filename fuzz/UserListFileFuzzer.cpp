@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "cli/CommandError.h"
-#include "cli/UserListFile.h"
+#include "cli/Command.h"
+#include "cli/ListFiles.h"
 #include "fuzz/FuzzedFile.h"
 #include "hotpixel/BadpixelListFile.h"
 

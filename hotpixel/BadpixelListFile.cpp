@@ -39,25 +39,6 @@ char* appendNumber(char* position, std::uint16_t number)
     return std::to_chars(position, position + MaxDigits, number).ptr;
 }
 
-/// What the file of @p entries holds, with the line ends of the platform.
-QByteArray contentFor(std::span<const BadpixelEntry> entries)
-{
-    QByteArray content;
-    QBuffer buffer(&content);
-    buffer.open(QIODevice::WriteOnly | QIODevice::Text);
-    std::array<char, sizeof "65535 65535 1\n"> line{};
-    for (const BadpixelEntry& entry : entries) {
-        if (entry.pixelClass != UserPixel) {
-            continue;
-        }
-        char* end = appendNumber(line.data(), entry.x);
-        *end++ = ' ';
-        end = std::copy_n(" 1\n", 3, appendNumber(end, entry.y));
-        buffer.write(line.data(), end - line.data());
-    }
-    return content;
-}
-
 bool writeAll(QFileDevice& file, const QByteArray& content)
 {
     return file.write(content) == content.size() && file.flush();
@@ -103,6 +84,24 @@ bool isPipe(const QFileInfo& file)
 
 } // namespace
 
+QByteArray listFileContent(std::span<const BadpixelEntry> entries)
+{
+    QByteArray content;
+    QBuffer buffer(&content);
+    buffer.open(QIODevice::WriteOnly | QIODevice::Text);
+    std::array<char, sizeof "65535 65535 1\n"> line{};
+    for (const BadpixelEntry& entry : entries) {
+        if (entry.pixelClass != UserPixel) {
+            continue;
+        }
+        char* end = appendNumber(line.data(), entry.x);
+        *end++ = ' ';
+        end = std::copy_n(" 1\n", 3, appendNumber(end, entry.y));
+        buffer.write(line.data(), end - line.data());
+    }
+    return content;
+}
+
 void checkListFile(const QString& filename)
 {
     const QFileInfo target(filename);
@@ -130,7 +129,7 @@ void writeListFile(const QString& filename, std::span<const BadpixelEntry> entri
     if (filename.isEmpty() || isPipe(target)) {
         fail(CantOpenForWriting);
     }
-    const QByteArray content = contentFor(entries);
+    const QByteArray content = listFileContent(entries);
     if (target.exists() && !target.isFile()) {
         writeDevice(filename, content);
         return;

@@ -3,6 +3,7 @@
 
 #include "hotpixel/BadpixelEntry.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <span>
@@ -13,8 +14,11 @@ class QIODevice;
 /// The text file of a hotpixel list: one entry per line, x, y and class in decimal.
 namespace hotpixel {
 
-/// Writes the user entries among @p entries in their order, "x y 1" and a line end each (CR LF on
-/// Windows); all others are left out.
+/// What the file of @p entries holds: the user entries in their order, "x y 1" and a line end each
+/// (CR LF on Windows); all others are left out.
+[[nodiscard]] QByteArray listFileContent(std::span<const BadpixelEntry> entries);
+
+/// Writes listFileContent() to a file.
 ///
 /// An existing file is replaced only when the new one is complete, so a failure leaves it as it
 /// was. A file that can't be replaced is written in place, be it that no other one can be made in

@@ -73,8 +73,7 @@ QVariant BadpixelListModel::data(const QModelIndex& index, int role) const
     case YColumn:
         return int{entry.y};
     case ClassColumn:
-        // The words are deliberately not the names of the values: users of this editor know the
-        // classes by these words, and the window enables its commands by them.
+        // behaviour.md: class-words
         switch (entry.pixelClass) {
         case FactoryPixel:
             return QStringLiteral("ignore");
@@ -96,8 +95,7 @@ bool BadpixelListModel::setData(const QModelIndex& index, const QVariant& value,
     BadpixelEntry& entry = m_entries[static_cast<std::size_t>(index.row())];
     BadpixelEntry changed = entry;
     if (index.column() == ClassColumn) {
-        // "user" and "ignore" succeed without effect on purpose: a factory or ignored entry can't
-        // be made one that is written to the camera.
+        // behaviour.md: class-cell
         if (value.toString() == QLatin1String("factory")) {
             changed.pixelClass = FactoryPixel;
         }
@@ -183,8 +181,7 @@ QModelIndex BadpixelListModel::findBadpixel(const QPoint& position, int toleranc
 
 bool BadpixelListModel::addBadpixel(const QPoint& position)
 {
-    // The limit comes before the duplicate, so a full list refuses what it holds already, too. And
-    // the text names the camera's limit even where that of 5000 applies.
+    // behaviour.md: full-before-known
     const std::int64_t count = std::int64_t{rowCount()} - (m_limitByCamera ? m_factoryCount : 0);
     const int limit = m_limitByCamera ? m_maxUserEntries : MaxListCount;
     if (count >= limit) {
@@ -220,8 +217,7 @@ void BadpixelListModel::getBadpixelList(Camera* cam)
     if (cam == nullptr) {
         return;
     }
-    // Results are ignored on purpose: a camera that does not answer keeps the limits as they were,
-    // and a list that can't be read adds nothing.
+    // behaviour.md: unread-lists
     const CameraLists lists(*cam);
     const auto append = [&](std::int32_t command, std::int32_t count, Pixelclass pixelClass) {
         std::vector<BadpixelEntry> entries;
@@ -278,11 +274,11 @@ void BadpixelListModel::saveAsFile(QString filename)
 
 void BadpixelListModel::loadFromFile(QString filename)
 {
-    // Before the file is opened: when that fails, the user entries stay gone.
+    // behaviour.md: load-first-clears
     clearUserBadpixelList();
     m_entries.append(hotpixel::readListFile(filename));
     m_taken.reset();
-    // Deliberately the only announcement, also for the rows that came.
+    // behaviour.md: load-one-word
     emit layoutChanged();
 }
 
@@ -309,14 +305,13 @@ void BadpixelListModel::sort(int column, Qt::SortOrder order)
             break;
         }
     }
-    // Without layoutAboutToBeChanged() on purpose: selections stay with their rows, not with the
-    // entries that move.
+    // behaviour.md: sort-keeps-rows
     emit layoutChanged();
 }
 
 void BadpixelListModel::appendCameraEntries(std::vector<BadpixelEntry>&& entries)
 {
-    // Deliberately announced as the first rows, also where entries stand before them.
+    // behaviour.md: user-rows-first
     beginInsertRows(QModelIndex(), 0, static_cast<int>(entries.size()) - 1);
     m_entries.append(std::move(entries));
     m_taken.reset();

@@ -21,7 +21,7 @@ Q_MOC_INCLUDE("camera/Camera.h")
 /// Entries come from the opened camera's two lists, from addBadpixel() and from list files; the
 /// user entries go back into the camera and into list files. All of it on the GUI thread.
 ///
-/// Several announcements to views do not describe exactly what happened, each on purpose and
+/// Several announcements to views do not describe exactly what happened, each
 /// described where it is made; so QAbstractItemModelTester does not accept this model.
 class BadpixelListModel : public QAbstractTableModel
 {

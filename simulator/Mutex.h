@@ -29,7 +29,8 @@ public:
     explicit MutexLock(Mutex& mutex) VORN_ACQUIRE(mutex)
         : m_lock(mutex.m_mutex)
     {}
-    ~MutexLock() VORN_RELEASE() {} // not defaulted: the annotation belongs to a body
+    // Not defaulted: the annotation belongs to a body.
+    ~MutexLock() VORN_RELEASE() {} // NOLINT(modernize-use-equals-default)
     MutexLock(const MutexLock&) = delete;
     MutexLock& operator=(const MutexLock&) = delete;
 

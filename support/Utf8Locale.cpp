@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <langinfo.h>
-#include <locale.h>
+#include <locale.h> // NOLINT(modernize-deprecated-headers): newlocale() is in this one only
 #include <string>
 #include <string_view>
 #include <strings.h>

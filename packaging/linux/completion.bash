@@ -13,8 +13,8 @@ _vorn_hotpixel() {
   help=$("$program" ${words[0]:+"${words[0]}"} --help 2>/dev/null) || return 0
 
   if [[ $previous = --* ]]; then
-    # The value of an option that takes one, such as "--out FILE".
-    kind=$(sed -nE "s/^  (-[a-z], )?$previous ([A-Z]+) .*/\2/p" <<<"$help")
+    # The value of an option that takes one, such as "--out <FILE>".
+    kind=$(sed -nE "s/^  (-[a-z], )?$previous <([A-Z]+)>.*/\2/p" <<<"$help")
   fi
   if [[ -z $kind && $word = -* ]]; then
     kind=options

@@ -325,7 +325,8 @@ TEST(LiveDetection, GivesUpWhenNoImagesCome)
     RecordedConsole recorded;
     Interruption interruption;
     const std::vector<SdkSwitch> switches;
-    CommandContext context{companion.simulated, switches, recorded.console(), interruption, false};
+    CommandContext context{[&]() -> CameraSdk& { return companion.simulated; }, switches,
+                           recorded.console(), interruption, false};
     CameraSession session(context, QStringLiteral("1"));
     companion.simulated.control(companion.camera.serial).setDropFrames(true);
     BadpixelListModel list;
@@ -343,7 +344,8 @@ TEST(LiveDetection, DoesNotBeginWhenTheEndWasAskedForBefore)
     RecordedConsole recorded;
     Interruption interruption;
     const std::vector<SdkSwitch> switches;
-    CommandContext context{companion.simulated, switches, recorded.console(), interruption, false};
+    CommandContext context{[&]() -> CameraSdk& { return companion.simulated; }, switches,
+                           recorded.console(), interruption, false};
     CameraSession session(context, QStringLiteral("1"));
     interruption.request();
     BadpixelListModel list;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "cli/ListBackup.h"
-
-#include "cli/CommandError.h"
+#include "cli/Command.h"
+#include "cli/ListFiles.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "cli/Console.h"
 #include "cli/EntryText.h"
-#include "cli/FindingsReport.h"
-#include "cli/HelpText.h"
-#include "cli/ProgressBar.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -65,32 +63,6 @@ TEST(FindingsReport, CountsEachBayerPlane)
     EXPECT_EQ(QJsonDocument(planes.at(2).toObject()).toJson(QJsonDocument::Compact),
               QByteArray(R"({"found":3,"name":"odd columns, even rows",)"
                          R"("oddColumns":true,"oddRows":false})"));
-}
-
-TEST(HelpText, WrapsParagraphsAndKeepsTheirBreaks)
-{
-    const QString word(30, u'w');
-    EXPECT_EQ(cli::wrapped(word + u' ' + word + u' ' + word, 2),
-              QStringLiteral("  %1 %1\n  %1\n").arg(word));
-    EXPECT_EQ(cli::wrapped(QStringLiteral("one\n\ntwo"), 0), QStringLiteral("one\n\ntwo\n"));
-}
-
-TEST(HelpText, PutsExplanationsBesideNames)
-{
-    EXPECT_EQ(cli::itemText({{QStringLiteral("a"), QStringLiteral("first")},
-                             {QStringLiteral("long"), QStringLiteral("second")}}),
-              QStringLiteral("  a     first\n  long  second\n"));
-}
-
-TEST(HelpText, ShowsOptionsAsTheyAreTyped)
-{
-    const QList<cli::HelpItem> items = cli::optionItems(
-        {{{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Help.")},
-         {QStringLiteral("out"), QStringLiteral("Save."), QStringLiteral("FILE")}});
-    ASSERT_EQ(items.size(), 2);
-    EXPECT_EQ(items[0].name, QStringLiteral("-h, --help"));
-    EXPECT_EQ(items[1].name, QStringLiteral("--out FILE"));
-    EXPECT_EQ(items[1].explanation, QStringLiteral("Save."));
 }
 
 TEST(ProgressLine, FillsTheBarStepByStep)

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "cli/UserListFile.h"
-
-#include "cli/CommandError.h"
+#include "cli/Command.h"
+#include "cli/ListFiles.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -101,6 +100,18 @@ TEST_F(UserListFile, IsRefusedForANumberWithALeadingZero)
                            "as octal.")
                 .arg(fileName(), QLatin1String(number)));
     }
+}
+
+TEST_F(UserListFile, IsNamedAsItIsCalled)
+{
+    const QString name = folder() + QStringLiteral("/100%2 %3.txt");
+    QFile file(name);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("1 2 1\n01 2 1\n");
+    file.close();
+    EXPECT_EQ(failure(name),
+              name + QStringLiteral(", line 2: 01 has a leading zero, with which the "
+                                    "editor reads it as octal."));
 }
 
 TEST_F(UserListFile, TakesTheSmallestAndTheGreatestCoordinates)

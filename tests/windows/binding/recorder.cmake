@@ -11,7 +11,7 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${recorder_def}"
 
 function(vorn_recorder target folder def)
   add_library(${target} SHARED "${recorder_folder}/Recorder.cpp" "${def}")
-  _vorn_target_defaults(${target})
+  vorn_target_defaults(${target})
   target_link_options(${target} PRIVATE -static)
   set_target_properties(
     ${target}

@@ -1,7 +1,0 @@
-// SPDX-License-Identifier: MIT
-#include "cli/Command.h"
-
-QList<QCommandLineOption> Command::options(const std::vector<SdkSwitch>& /*switches*/) const
-{
-    return {};
-}
