@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 
 #include "app/RowHeader.h"
@@ -89,6 +90,7 @@ QTableView* makeListView(const char* objectName, QAbstractItemModel& model,
     view->setSelectionModel(&selection);
     view->setSelectionBehavior(QAbstractItemView::SelectRows);
     view->setSelectionMode(QAbstractItemView::SingleSelection);
+    view->setTabKeyNavigation(false); // Tab leads on to the next control, the arrows between cells
     view->setContextMenuPolicy(Qt::CustomContextMenu);
     view->verticalHeader()->setDefaultSectionSize(view->verticalHeader()->minimumSectionSize());
     view->verticalHeader()->hide();
@@ -206,6 +208,9 @@ void MainWindow::createActions()
             made->setIcon(QIcon(QStringLiteral(":/res/%1.png").arg(QLatin1String(row.icon))));
         }
         made->setShortcut(row.shortcut);
+        if (!row.shortcut.isEmpty()) {
+            addAction(made); // which works with a tool bar that is hidden, too
+        }
         made->setCheckable((row.state & Checkable) != 0);
         made->setChecked((row.state & Checked) != 0);
         made->setEnabled((row.state & Enabled) != 0);
@@ -225,6 +230,16 @@ void MainWindow::createDocks()
     createCameraSliderDock();
     tabifyDockWidget(dock(Dock::CameraList), dock(Dock::BadpixelList));
     resizeDocks({dock(Dock::CameraList)}, {DockWidth}, Qt::Horizontal);
+    connect(this, &QMainWindow::tabifiedDockWidgetActivated, this, &MainWindow::giveFocusTo);
+}
+
+// A list behind another tab must not go on taking the keys: nobody sees what they do there.
+void MainWindow::giveFocusTo(const QDockWidget* raised)
+{
+    if (QWidget* const former = focusWidget()) {
+        former->clearFocus(); // where the raised one takes no focus, such as disabled controls
+    }
+    raised->widget()->setFocus();
 }
 
 QDockWidget* MainWindow::buildDock(Dock which)
@@ -272,6 +287,7 @@ void MainWindow::createMagnifierDock()
     connect(built, &QObject::destroyed, this, &MainWindow::clearMagnifier);
     connect(this, &MainWindow::magnifierPositionChanged, magnifier, &Magnifier::setPosition);
     connect(magnifier, &Magnifier::changePosition, this, &MainWindow::setMagnifierPosition);
+    m_magnifierControl->setFocusProxy(magnifier);
     built->setWidget(m_magnifierControl);
     if (m_camera.isOpen()) {
         magnifier->setPosition(m_magnifierPosition);
@@ -440,6 +456,9 @@ void MainWindow::createConnections()
     connect(&m_camera, &Camera::cameraClosed, this, &MainWindow::onCameraClosed);
     connect(&m_camera, &Camera::newImage, this, &MainWindow::newImage);
     connect(&m_camera, &Camera::displayError, m_form->statusBar, &QStatusBar::showMessage);
+    // At once: the notice of a firmware upload comes right before a call that takes many seconds.
+    connect(&m_camera, &Camera::displayError, m_form->statusBar,
+            [this] { m_form->statusBar->repaint(); });
     connect(&m_camera, &Camera::cameraNewDevice, &m_cameraListModel, &CameraListModel::updateList);
     connect(&m_camera, &Camera::cameraRemovedDevice, &m_cameraListModel,
             &CameraListModel::updateList);
@@ -450,12 +469,20 @@ void MainWindow::createConnections()
             &MainWindow::updateCameraActions);
     connect(&m_cameraListModel, &CameraListModel::rowToSelect, this,
             &MainWindow::onSelectCameraRow);
+    // Sorting puts another camera under the selection, which stays with its row.
+    connect(&m_cameraListModel, &QAbstractItemModel::layoutChanged, this,
+            &MainWindow::updateCameraActions);
     connect(m_cameraListSelection.get(), &QItemSelectionModel::selectionChanged, this,
             &MainWindow::updateCameraActions);
     connect(m_badpixelListSelection.get(), &QItemSelectionModel::selectionChanged, this,
             &MainWindow::updateSelection);
     connect(&m_badpixelListModel, &QAbstractItemModel::dataChanged, this,
             &MainWindow::setSelection);
+    // Sorting puts another entry under the selection, which stays with its row.
+    connect(&m_badpixelListModel, &QAbstractItemModel::layoutChanged, this, [this] {
+        enableDelete(selectedBadpixel());
+        redraw();
+    });
 
     connect(display, &DisplayWidget::positionClicked, this, &MainWindow::setMagnifierPosition);
     connect(display, &DisplayWidget::scaleChanged, this, &MainWindow::updateScaleFactor);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "camera/Camera.h"
@@ -166,6 +167,8 @@ private:
         Count,
     };
 
+    class OneRedraw;
+
     enum class Dock : std::size_t { CameraList, BadpixelList, Magnifier, CameraSlider, Count };
 
     void createActions();
@@ -193,8 +196,15 @@ private:
     [[nodiscard]] CameraItem selectedCamera() const;
     [[nodiscard]] QModelIndex selectedBadpixel() const;
     void forgetCurrentBadpixel();
+    void stopDetection(const QString& reason);
     void setImageAreaVisible(bool visible);
-    void exchangeFile(const QString& fileName, void (BadpixelListModel::*exchange)(QString));
+    void showOpenCamera();
+    void showNoCamera();
+    void giveFocusTo(const QDockWidget* raised);
+    void redraw();
+    void enableDelete(const QModelIndex& selected);
+    template <typename Exchange>
+    void exchangeFile(const QString& fileName, const Exchange& exchange);
 
     std::unique_ptr<Ui::MainWindow> m_form;
     int m_scaleFactor = 1;
@@ -206,6 +216,8 @@ private:
     std::unique_ptr<QItemSelectionModel> m_cameraListSelection;
     std::unique_ptr<QItemSelectionModel> m_badpixelListSelection;
     QPoint m_magnifierPosition;
+    int m_redraws = 0; // asked for since the start
+    bool m_redrawsHeld = false;
     std::array<QPointer<QDockWidget>, static_cast<std::size_t>(Dock::Count)> m_docks;
     QTableView* m_cameraListView = nullptr;
     QTableView* m_badpixelListView = nullptr;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 #include "detection/DetectionDialogue.h"
 #include "ui_MainWindow.h"
@@ -29,7 +30,6 @@ constexpr int MessageMsec = 2000;
 constexpr int StatusMsec = 1500;
 constexpr int ExactPosition = 1; // findBadpixel() looks closer than this
 constexpr int PixelclassColumn = 2;
-constexpr int CameraStatusColumn = 4;
 
 constexpr Qt::WindowFlags FixedSizeDialog = Qt::Dialog | Qt::MSWindowsFixedSizeDialogHint;
 
@@ -62,7 +62,37 @@ void MainWindow::reportErrors(const Step& step)
     try {
         step();
     } catch (const std::exception& error) {
-        showMessage(tr(error.what()));
+        showMessage(QString::fromUtf8(error.what()));
+    }
+}
+
+/// Draws the image once, at its end, for whatever a command does to list and selection meanwhile: a
+/// large image takes its time, and no user sees the steps between.
+class MainWindow::OneRedraw
+{
+public:
+    explicit OneRedraw(MainWindow& window)
+        : m_window(window)
+    {
+        m_window.m_redrawsHeld = true;
+    }
+    ~OneRedraw()
+    {
+        m_window.m_redrawsHeld = false;
+        m_window.redraw();
+    }
+    OneRedraw(const OneRedraw&) = delete;
+    OneRedraw& operator=(const OneRedraw&) = delete;
+
+private:
+    MainWindow& m_window;
+};
+
+void MainWindow::redraw()
+{
+    ++m_redraws;
+    if (!m_redrawsHeld) {
+        m_form->display->redrawImage();
     }
 }
 
@@ -112,15 +142,44 @@ void MainWindow::openCamera()
     reportErrors([&] {
         m_statusReset = StatusResetMarker;
         m_camera.open(static_cast<int>(camera.devId));
+        // A control that stood at the cap already has nothing to answer when the camera comes with
+        // a higher rate, and would show what the camera does not do.
+        if (m_camera.framerate().value > m_camera.framerate().max) {
+            m_camera.setFramerate(m_camera.framerate().max);
+        }
         m_camera.setBadPixelCorrection(action(Command::HotpixelCorrection)->isChecked());
         onZoomChanged(action(Command::Zoom1To1));
         m_camera.startLive();
-        m_form->display->clear();
-        m_form->display->setHighlight(action(Command::Highlight)->isChecked());
-        setImageAreaVisible(true);
-        m_statusTimer->start(StatusMsec);
     });
+    // After a failure, too: it may have come when the camera was open already, and before that the
+    // camera that was open is closed.
+    if (m_camera.isOpen()) {
+        showOpenCamera();
+    } else {
+        showNoCamera();
+    }
     setMagnifierPosition({0, 0});
+}
+
+void MainWindow::showOpenCamera()
+{
+    m_form->display->clear();
+    m_form->display->setHighlight(action(Command::Highlight)->isChecked());
+    setImageAreaVisible(true);
+    m_statusTimer->start(StatusMsec);
+}
+
+void MainWindow::showNoCamera()
+{
+    m_statusTimer->stop();
+    m_form->display->clear();
+    setImageAreaVisible(false);
+    if (m_magnifierControl != nullptr) {
+        m_magnifierControl->magnifier()->clear();
+    }
+    setStatus(StatusField::Frames, tr("Frames: %1").arg(0));
+    setStatus(StatusField::Failed, tr("Failed: %1").arg(0));
+    setStatus(StatusField::FramesPerSecond, tr("FPS: ") + QString::number(0));
 }
 
 void MainWindow::closeCamera()
@@ -131,25 +190,19 @@ void MainWindow::closeCamera()
     }
     m_camera.close();
     m_statusReset = StatusResetMarker;
-    m_statusTimer->stop();
-    m_form->display->clear();
-    setImageAreaVisible(false);
-    if (m_magnifierControl != nullptr) {
-        m_magnifierControl->magnifier()->clear();
-    }
+    showNoCamera();
     setMagnifierPosition({0, 0});
-    setStatus(StatusField::Frames, tr("Frames: %1").arg(0));
-    setStatus(StatusField::Failed, tr("Failed: %1").arg(0));
-    setStatus(StatusField::FramesPerSecond, tr("FPS: ") + QString::number(0));
 }
 
 void MainWindow::onCameraOpened(Camera* /*camera*/)
 {
+    stopDetection(tr("Detection stopped."));
     emit cameraOpened(true);
 }
 
 void MainWindow::onCameraClosed()
 {
+    stopDetection(tr("Detection stopped."));
     emit cameraOpened(false);
 }
 
@@ -159,17 +212,27 @@ void MainWindow::onCameraDisconnect()
     setImageAreaVisible(false);
     QImage nothing;
     newImage(nothing);
+    m_form->display->clear();
+    stopDetection(tr("The camera was disconnected."));
 }
 
 void MainWindow::onCameraReconnect()
 {
     m_cameraListModel.updateList();
+    int reconnectedRow = -1;
+    int openRow = -1;
     for (int row = 0; row < m_cameraListModel.rowCount(); ++row) {
-        const QModelIndex status = m_cameraListModel.index(row, CameraStatusColumn);
-        if (status.data().toString() == CameraListModel::tr("in use")) {
-            m_cameraListView->selectRow(row);
+        const CameraItem camera = m_cameraListModel.item(row);
+        if (camera.status != 0 && !camera.opened) { // it reads "in use"
+            reconnectedRow = row;
+        }
+        if (camera.devId == m_camera.cameraId()) {
+            openRow = row;
         }
     }
+    // A camera that has just come back reads "in use" until the next refresh, unless the list was
+    // refreshed before this event came: then no row may read so.
+    m_cameraListView->selectRow(reconnectedRow >= 0 ? reconnectedRow : openRow);
     setImageAreaVisible(true);
 }
 
@@ -218,8 +281,7 @@ void MainWindow::updateStatus()
     for (int row = 0; row < m_badpixelListModel.rowCount(); ++row) {
         userCount += m_badpixelListModel.badpixelAt(row).pixelClass == UserPixel ? 1 : 0;
     }
-    // Whatever is not a user entry counts as a factory one, the ignored entries included, on
-    // purpose: together the two figures are the length of the list.
+    // behaviour.md: f-counts-the-rest
     const int otherCount = m_badpixelListModel.rowCount() - userCount;
     setStatus(StatusField::UserCount, tr("U: %1").arg(userCount));
     setStatus(StatusField::FactoryCount, tr("F: %1").arg(otherCount));
@@ -258,8 +320,7 @@ void MainWindow::onZoomChanged(QAction* act)
         double displayScale;
         int scaleFactor;
     };
-    // The reducing steps keep the factor 1 on purpose: it only divides in setSelection(), and a
-    // factor of 0 would divide by nothing.
+    // behaviour.md: factor-1
     constexpr ZoomStep Steps[] = {
         {Command::Zoom1To1, 1.0, 1}, {Command::Zoom2To1, 2.0, 2},  {Command::Zoom4To1, 4.0, 4},
         {Command::Zoom1To2, 0.5, 1}, {Command::Zoom1To4, 0.25, 1}, {Command::ZoomToFit, 0.0, 0},
@@ -278,11 +339,10 @@ void MainWindow::onZoomChanged(QAction* act)
 
 void MainWindow::setMagnifierPosition(QPoint position)
 {
-    // The upper bound comes last: without an image the coordinates become -1.
+    // The upper bound comes last (behaviour.md: minus-one).
     m_magnifierPosition = {std::min(std::max(position.x(), 0), m_camera.imageWidth() - 1),
                            std::min(std::max(position.y(), 0), m_camera.imageHeight() - 1)};
-    // The position as it was asked for, not the clamped one, on purpose: a click beyond the edge
-    // must not select the entry of an edge pixel.
+    // behaviour.md: unclamped-lookup
     const QModelIndex entry = m_badpixelListModel.findBadpixel(position, ExactPosition);
     if (entry.isValid()) {
         m_badpixelListSelection->select(entry, QItemSelectionModel::ClearAndSelect |
@@ -293,8 +353,12 @@ void MainWindow::setMagnifierPosition(QPoint position)
     emit magnifierPositionChanged(m_magnifierPosition);
 }
 
-void MainWindow::updateSelection(QItemSelection selected, QItemSelection /*deselected*/)
+void MainWindow::updateSelection(QItemSelection selected, QItemSelection deselected)
 {
+    // The toolkit tells of such a change for every row that is removed above the selected one.
+    if (selected.isEmpty() && deselected.isEmpty()) {
+        return;
+    }
     const QModelIndexList indexes = selected.indexes();
     const QModelIndex index = indexes.isEmpty() ? QModelIndex() : indexes.first();
     setSelection(index, index);
@@ -302,6 +366,7 @@ void MainWindow::updateSelection(QItemSelection selected, QItemSelection /*desel
 
 void MainWindow::setSelection(QModelIndex topLeft, QModelIndex /*bottomRight*/)
 {
+    const int redrawsBefore = m_redraws;
     if (topLeft.isValid()) {
         const BadpixelEntry entry = m_badpixelListModel.badpixelAt(topLeft.row());
         // Selects the entry's row, which comes back here at most once: then nothing changes.
@@ -310,12 +375,20 @@ void MainWindow::setSelection(QModelIndex topLeft, QModelIndex /*bottomRight*/)
         scrollTo(m_form->display->verticalScrollBar(), entry.y, shown->height(), m_scaleFactor);
         scrollTo(m_form->display->horizontalScrollBar(), entry.x, shown->width(), m_scaleFactor);
         m_badpixelListView->scrollTo(topLeft);
-        const QString shownClass = topLeft.siblingAtColumn(PixelclassColumn).data().toString();
-        action(Command::Delete)->setEnabled(shownClass != BadpixelListModel::tr("factory"));
-    } else {
-        action(Command::Delete)->setEnabled(false);
     }
-    m_form->display->redrawImage();
+    enableDelete(topLeft);
+    // Where the magnifier's new position selected the entry first, the image shows all of it by
+    // now.
+    if (m_redraws == redrawsBefore) {
+        redraw();
+    }
+}
+
+void MainWindow::enableDelete(const QModelIndex& selected)
+{
+    const QString shownClass = selected.siblingAtColumn(PixelclassColumn).data().toString();
+    action(Command::Delete)
+        ->setEnabled(selected.isValid() && shownClass != QLatin1String("factory"));
 }
 
 void MainWindow::addNewBadpixel()
@@ -339,6 +412,7 @@ void MainWindow::deleteBadpixel()
 
 void MainWindow::clearBadpixel()
 {
+    const OneRedraw once(*this);
     forgetCurrentBadpixel();
     m_badpixelListModel.clearUserBadpixelList();
 }
@@ -346,7 +420,7 @@ void MainWindow::clearBadpixel()
 void MainWindow::forgetCurrentBadpixel()
 {
     // User entries are removed row by row. When the table's current row goes, the table selects the
-    // next one, and with each selection the magnifier moves and the image is drawn anew.
+    // next one, and the magnifier would follow from entry to entry.
     m_badpixelListSelection->clearCurrentIndex();
 }
 
@@ -367,28 +441,31 @@ void MainWindow::saveBadpixelList()
 {
     exchangeFile(QFileDialog::getSaveFileName(this, tr("Save hotpixel list"), QDir::homePath(),
                                               tr("Text files (*.txt)")),
-                 &BadpixelListModel::saveAsFile);
+                 [this](const QString& fileName) { m_badpixelListModel.saveAsFile(fileName); });
 }
 
 void MainWindow::loadBadpixelList()
 {
-    const QString fileName = QFileDialog::getOpenFileName(
-        this, tr("Open hotpixel list"), QDir::homePath(), tr("Text files (*.txt)"));
-    if (!fileName.isEmpty()) {
-        forgetCurrentBadpixel();
-    }
-    exchangeFile(fileName, &BadpixelListModel::loadFromFile);
+    exchangeFile(QFileDialog::getOpenFileName(this, tr("Open hotpixel list"), QDir::homePath(),
+                                              tr("Text files (*.txt)")),
+                 [this](const QString& fileName) {
+                     const OneRedraw once(*this);
+                     forgetCurrentBadpixel();
+                     m_badpixelListModel.loadFromFile(fileName);
+                 });
 }
 
-void MainWindow::exchangeFile(const QString& fileName, void (BadpixelListModel::*exchange)(QString))
+template <typename Exchange>
+void MainWindow::exchangeFile(const QString& fileName, const Exchange& exchange)
 {
     if (fileName.isEmpty()) {
         return;
     }
     try {
-        (m_badpixelListModel.*exchange)(fileName);
+        exchange(fileName);
     } catch (const std::exception& error) {
-        QMessageBox box(QMessageBox::Critical, QString(), tr(error.what()), QMessageBox::Ok);
+        QMessageBox box(QMessageBox::Critical, QString(), QString::fromUtf8(error.what()),
+                        QMessageBox::Ok);
         box.exec();
     }
 }
@@ -399,6 +476,8 @@ void MainWindow::openDetectDialog()
     m_detectionDialogue = new DetectionDialogue(this);
     connect(m_detectionDialogue, &DetectionDialogue::startDetect, this,
             &MainWindow::startDetectingBadpixel);
+    connect(m_detectionDialogue, &DetectionDialogue::stopDetect, this,
+            [this] { stopDetection(tr("Detection stopped.")); });
     connect(&m_badpixelListModel, &BadpixelListModel::pixelAdded, m_detectionDialogue,
             &DetectionDialogue::addDetectedPixel);
     m_detectionDialogue->open();
@@ -407,7 +486,7 @@ void MainWindow::openDetectDialog()
 void MainWindow::startDetectingBadpixel(bool clear, int threshold)
 {
     if (clear) {
-        forgetCurrentBadpixel();
+        clearBadpixel();
     }
     m_detection.start(clear, threshold);
 }
@@ -415,6 +494,16 @@ void MainWindow::startDetectingBadpixel(bool clear, int threshold)
 void MainWindow::detectBadpixel()
 {
     m_detection.evaluate(m_camera.colorMode());
+}
+
+// Frames of two cameras must never meet in one run, nor may a run wait for a camera that is gone.
+void MainWindow::stopDetection(const QString& reason)
+{
+    m_detection.cancel();
+    if (m_detectionDialogue != nullptr && m_detectionDialogue->isRunning()) {
+        m_detectionDialogue->abortDetect();
+        m_detectionDialogue->setMessage(reason);
+    }
 }
 
 void MainWindow::connectDetectionRun()

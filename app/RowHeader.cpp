@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/RowHeader.h"
 
 #include <QAbstractItemModel>

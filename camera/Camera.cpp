@@ -1,17 +1,22 @@
+// SPDX-License-Identifier: MIT
 #include "camera/Camera.h"
 
+#include <QCoreApplication>
+#include <QDeadlineTimer>
 #include <QList>
 #include <QScopedValueRollback>
 
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
+#include <utility>
 
 namespace {
 
 constexpr const char* SettingsFile = "./VornHotpixelEditor.ini";
 constexpr int NoticeMsec = 2000;
 constexpr unsigned long StopMsec = 500;
+constexpr int LetGoMsec = 5000; // then a thread that the SDK does not let go is left to itself
 constexpr std::size_t BufferCount = 2;
 constexpr std::int32_t DefaultUploadMsec = 25000;
 constexpr double MaxFramesPerSecond = 2.0;
@@ -39,37 +44,26 @@ const QList<QRgb>& greyTable()
     return table;
 }
 
-// Not std::clamp: min may lie above max, as it does for a camera that is always faster than the
-// two frames per second that the frame rate is capped at, and min wins then.
+// Not std::clamp: min may lie above max (behaviour.md: min-wins).
 template <typename T>
 T clamped(T value, const CameraParameter<T>& parameter)
 {
     return value < parameter.min ? parameter.min : std::min(value, parameter.max);
 }
 
-// Deliberately minus min, although a slider's position 0 stands for min, and deliberately a whole
-// number: positions and values have always been coupled like this.
+// behaviour.md: relative-minus-min
 double relativeValue(int position, const CameraParameter<double>& parameter)
 {
     const double value = std::trunc((position - parameter.min) / parameter.increment);
     return std::isnan(value) ? parameter.min : value; // 0 / 0, of a range that is a single value
 }
 
-// Tells what was read back from the camera. Its controls move then, and what they say because of
-// that is not the user's wish: with a new range alone, a control that stood outside of it would
-// otherwise set the camera.
-template <typename Telling>
-void tell(bool& setting, const Telling& telling)
+void waitOrTerminate(const std::unique_ptr<EventThread>& waitedFor,
+                     const std::unique_ptr<EventThread>& terminated)
 {
-    const QScopedValueRollback<bool> guard(setting, true);
-    telling();
-}
-
-void waitOrTerminate(EventThread& waitedFor, EventThread& terminated)
-{
-    if (!waitedFor.wait(StopMsec)) {
-        terminated.terminate();
-        terminated.wait(StopMsec); // it can't be started again before it has ended
+    if (!waitedFor->wait(StopMsec)) {
+        terminated->terminate();
+        terminated->wait(StopMsec); // it can't be started again before it has ended
     }
 }
 
@@ -78,20 +72,23 @@ void waitOrTerminate(EventThread& waitedFor, EventThread& terminated)
 Camera::Camera(CameraSdk& sdk, QObject* parent)
     : QObject(parent)
     , m_sdk(sdk)
-    , m_frameThread(sdk)
-    , m_reconnectThread(sdk)
-    , m_removedThread(sdk)
-    , m_deviceNewThread(sdk)
-    , m_deviceRemovedThread(sdk)
-    , m_frameFailedThread(sdk)
+    , m_frameThread(std::make_unique<EventThread>(sdk))
+    , m_reconnectThread(std::make_unique<EventThread>(sdk))
+    , m_removedThread(std::make_unique<EventThread>(sdk))
+    , m_deviceNewThread(std::make_unique<EventThread>(sdk))
+    , m_deviceRemovedThread(std::make_unique<EventThread>(sdk))
+    , m_frameFailedThread(std::make_unique<EventThread>(sdk))
     , m_sequence(sdk)
 {
-    for (EventThread* thread : {&m_frameThread, &m_reconnectThread, &m_removedThread,
-                                &m_deviceNewThread, &m_deviceRemovedThread, &m_frameFailedThread}) {
-        connect(thread, &EventThread::eventhappen, this, &Camera::eventReceived);
+    for (const auto& thread : {&m_deviceNewThread, &m_deviceRemovedThread, &m_frameFailedThread}) {
+        connect(thread->get(), &EventThread::eventhappen, this, &Camera::eventReceived);
     }
-    m_deviceNewThread.start(0, camera::EventDeviceNew);
-    m_deviceRemovedThread.start(0, camera::EventDeviceRemoved);
+    for (const auto& thread : {&m_frameThread, &m_reconnectThread, &m_removedThread}) {
+        connect(thread->get(), &EventThread::eventhappen, &m_openingsEvents,
+                [this](int event) { eventReceived(event); });
+    }
+    m_deviceNewThread->start(0, camera::EventDeviceNew);
+    m_deviceRemovedThread->start(0, camera::EventDeviceRemoved);
 }
 
 Camera::~Camera()
@@ -102,17 +99,23 @@ Camera::~Camera()
     }
     m_sequence.clear();
 
-    for (EventThread* thread : {&m_frameThread, &m_reconnectThread, &m_deviceNewThread,
-                                &m_deviceRemovedThread, &m_removedThread}) {
-        thread->stop();
+    for (const auto& thread : {&m_frameThread, &m_reconnectThread, &m_deviceNewThread,
+                               &m_deviceRemovedThread, &m_removedThread}) {
+        (*thread)->stop();
     }
     waitOrTerminate(m_frameThread, m_frameThread);
-    waitOrTerminate(m_reconnectThread, m_frameThread); // deliberate, see close()
+    waitOrTerminate(m_reconnectThread, m_frameThread); // behaviour.md: other-thread
     waitOrTerminate(m_deviceNewThread, m_deviceNewThread);
     waitOrTerminate(m_deviceRemovedThread, m_deviceRemovedThread);
     waitOrTerminate(m_removedThread, m_removedThread);
-    // Deliberately never told to stop: it runs from the first opening to the end.
+    // Never told to stop (behaviour.md: event-8-stays).
     waitOrTerminate(m_frameFailedThread, m_frameFailedThread);
+
+    const QDeadlineTimer deadline(LetGoMsec);
+    for (auto* const thread : {&m_frameThread, &m_reconnectThread, &m_removedThread,
+                               &m_deviceNewThread, &m_deviceRemovedThread, &m_frameFailedThread}) {
+        EventThread::release(std::move(*thread), deadline);
+    }
 
     disconnect(this, nullptr, this, SLOT(eventReceived(int)));
     m_handle = 0;
@@ -131,6 +134,7 @@ void Camera::open(int cameraId)
 void Camera::tryOpen(int cameraId)
 {
     close();
+    m_settingsResult = 0;
     m_handle = initCamera(cameraId);
     m_frameCount = 0;
     m_failedCount = 0;
@@ -144,10 +148,12 @@ void Camera::tryOpen(int cameraId)
     m_sequence.setUp(m_handle, BufferCount,
                      {m_sensorInfo.maxWidth, m_sensorInfo.maxHeight, bitsPerPixel});
 
-    m_frameThread.start(m_handle, camera::EventFrame);
-    m_reconnectThread.start(m_handle, camera::EventReconnected);
-    m_removedThread.start(m_handle, camera::EventRemoved);
-    m_frameFailedThread.start(m_handle, camera::EventFrameFailed);
+    // What these threads reported of a former opening, and nobody has taken up since.
+    QCoreApplication::removePostedEvents(&m_openingsEvents);
+    m_frameThread->start(m_handle, camera::EventFrame);
+    m_reconnectThread->start(m_handle, camera::EventReconnected);
+    m_removedThread->start(m_handle, camera::EventRemoved);
+    m_frameFailedThread->start(m_handle, camera::EventFrameFailed);
     startLive();
 
     m_cameraId = static_cast<unsigned int>(cameraId);
@@ -177,18 +183,18 @@ CameraSdk::Handle Camera::initCamera(int cameraId)
         result = m_sdk.initCamera(&handle, nullptr);
     }
     if (result != 0) {
-        throw std::runtime_error("Could not initialize camera.");
+        throw std::runtime_error(tr("Could not initialize camera.").toStdString());
     }
     return handle;
 }
 
 void Camera::loadSettings()
 {
-    const std::int32_t result = m_sdk.loadParameters(m_handle, SettingsFile);
-    if (result == camera::FileNotOpened) {
+    m_settingsResult = m_sdk.loadParameters(m_handle, SettingsFile);
+    if (m_settingsResult == camera::FileNotOpened) {
         emit displayError(tr("Can't open ini file."), NoticeMsec);
-    } else if (result != 0) {
-        emit displayError(QString::fromLatin1(errorText(result)), NoticeMsec);
+    } else if (m_settingsResult != 0) {
+        emit displayError(QString::fromLatin1(errorText(m_settingsResult)), NoticeMsec);
     }
 }
 
@@ -206,7 +212,7 @@ unsigned int Camera::takeColorMode()
         return 8;
     default:
         m_imageFormat = QImage::Format_Invalid;
-        throw std::runtime_error("Color Mode not supported.");
+        throw std::runtime_error(tr("Color Mode not supported.").toStdString());
     }
 }
 
@@ -215,12 +221,11 @@ void Camera::close()
     if (!isOpen()) {
         return;
     }
-    m_frameThread.stop();
-    m_reconnectThread.stop();
-    m_removedThread.stop();
+    m_frameThread->stop();
+    m_reconnectThread->stop();
+    m_removedThread->stop();
     waitOrTerminate(m_frameThread, m_frameThread);
-    // Deliberately the frame thread: the reconnect thread may take its time, and is waited for when
-    // it is started again or destroyed. Terminated, it would leave its event bound at the SDK.
+    // behaviour.md: other-thread. The reconnect thread is waited for when it is started again.
     waitOrTerminate(m_reconnectThread, m_frameThread);
     waitOrTerminate(m_removedThread, m_removedThread);
 
@@ -259,7 +264,7 @@ const char* Camera::errorText(int code) const
 void Camera::check(int result) const
 {
     if (result != 0) {
-        throw std::runtime_error(errorText(result));
+        throw std::runtime_error(QString::fromLatin1(errorText(result)).toStdString());
     }
 }
 
@@ -410,7 +415,7 @@ void Camera::updatePixelclock()
     m_pixelclock.increment = 1;
     check(m_sdk.setPixelClock(m_handle, m_pixelclock.value));
     m_pixelclock.value = m_sdk.setPixelClock(m_handle, camera::QueryCurrent);
-    tell(s_settingPixelclock, [this] { emit pixelclockChanged(m_pixelclock); });
+    emit pixelclockChanged(m_pixelclock);
     updateFramerate();
 }
 
@@ -421,21 +426,21 @@ void Camera::updateFramerate()
     double timeStep = 1.0;
     m_sdk.getFrameTimeRange(m_handle, &minTime, &maxTime, &timeStep);
     m_framerate.min = 1.0 / maxTime;
-    // Deliberately capped, whatever the sensor allows: hotpixels need long exposures.
+    // behaviour.md: rate-cap
     m_framerate.max = std::min(1.0 / minTime, MaxFramesPerSecond);
     m_framerate.increment = (m_framerate.max - m_framerate.min) / ((maxTime - minTime) / timeStep);
     m_sdk.setFrameRate(m_handle, m_framerate.value, &m_framerate.value);
-    tell(s_settingFramerate, [this] { emit framerateChanged(m_framerate); });
+    emit framerateChanged(m_framerate);
     updateExposure();
 }
 
 void Camera::updateExposure()
 {
     m_sdk.getExposureRange(m_handle, &m_exposure.min, &m_exposure.max, &m_exposure.increment);
-    double currentExposureMsec = 0.0; // asked for as the camera is used to, and not needed
+    double currentExposureMsec = 0.0; // behaviour.md: exposure-asked
     m_sdk.setExposureTime(m_handle, camera::QueryCurrentDouble, &currentExposureMsec);
     m_sdk.setExposureTime(m_handle, m_exposure.value, &m_exposure.value);
-    tell(s_settingExposure, [this] { emit exposureChanged(m_exposure); });
+    emit exposureChanged(m_exposure);
 }
 
 void Camera::updateMastergain()
@@ -444,7 +449,7 @@ void Camera::updateMastergain()
                                                camera::KeepGain, camera::KeepGain);
     m_mastergain.min = 0;
     m_mastergain.max = 100;
-    tell(s_settingMastergain, [this] { emit mastergainChanged(m_mastergain); });
+    emit mastergainChanged(m_mastergain);
 }
 
 void Camera::setAutoConfig()

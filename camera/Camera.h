@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "camera/CameraParameter.h"
@@ -9,6 +10,8 @@
 #include <QImage>
 #include <QObject>
 #include <QString>
+
+#include <memory>
 
 /// The one camera of the program: opens, runs and closes it, hands out its frames, and holds its
 /// four adjustable parameters.
@@ -26,7 +29,9 @@ public:
     explicit Camera(CameraSdk& sdk, QObject* parent = nullptr);
 
     /// Closes an open camera and ends the event threads. Takes at least 500 ms once a camera was
-    /// open, since the thread that counts failed frames is not told to stop but terminated.
+    /// open, since the thread that counts failed frames is not told to stop but terminated. Threads
+    /// that hang in the SDK are left to themselves 5 seconds after they were told to end, so that
+    /// the program can end; the SDK must stay as long as such a thread is in it.
     ~Camera() override;
 
     Camera(const Camera&) = delete;
@@ -40,6 +45,8 @@ public:
     /// @throws std::runtime_error "Color Mode not supported."
     /// @throws std::runtime_error "Can't allocate image memory."
     /// @throws std::runtime_error "Can't add buffer to sequence."
+    /// Events of an earlier opening that are still queued are dropped, but for those of failed
+    /// frames and of devices that come and go.
     /// @throws std::runtime_error the SDK's error text, or "Unknown error."
     void open(int cameraId);
 
@@ -52,6 +59,10 @@ public:
     void startLive();
 
     [[nodiscard]] bool isOpen() const { return m_handle != 0; }
+
+    /// What the SDK answered to the settings file at the last opening: 0, camera::FileNotOpened or
+    /// another error. Known when displayError() tells of it; 0 before.
+    [[nodiscard]] int settingsResult() const { return m_settingsResult; }
 
     /// Frames received since the last opening.
     [[nodiscard]] int frameCount() const { return m_frameCount; }
@@ -114,8 +125,8 @@ signals:
 
 public slots:
     // Each of the four absolute setters limits the value to the parameter's range. A call that
-    // arrives while the same setter runs, or while an update slot tells the parameter, does
-    // nothing, so that a widget may feed back what it is told.
+    // arrives while the same setter runs does nothing, so that a widget may feed back what it is
+    // told.
     void setPixelclock(int value);         ///< MHz
     void setPixelclockRelative(int value); ///< a slider position
     void setFramerate(double value);       ///< frames per second
@@ -127,7 +138,8 @@ public slots:
     /// Switches the camera's own hotpixel correction; live capture is stopped meanwhile.
     void setBadPixelCorrection(bool enable);
 
-    // These read the camera back into its parameters and say so.
+    // These read the camera back into its parameters and say so. What a receiver then sets reaches
+    // the camera: a rate above the cap comes down to it by the answer of the control.
     void updatePixelclock(); ///< @throws std::runtime_error the SDK's error text
     void updateFramerate();
     void updateExposure();
@@ -152,15 +164,19 @@ private:
     void check(int result) const;
 
     CameraSdk& m_sdk;
-    EventThread m_frameThread;
-    EventThread m_reconnectThread;
-    EventThread m_removedThread;
-    EventThread m_deviceNewThread;
-    EventThread m_deviceRemovedThread;
-    EventThread m_frameFailedThread;
+    std::unique_ptr<EventThread> m_frameThread;
+    std::unique_ptr<EventThread> m_reconnectThread;
+    std::unique_ptr<EventThread> m_removedThread;
+    std::unique_ptr<EventThread> m_deviceNewThread;
+    std::unique_ptr<EventThread> m_deviceRemovedThread;
+    std::unique_ptr<EventThread> m_frameFailedThread;
+    /// Receives the events that concern the opening that they came from (frame, reconnected,
+    /// removed), so that those still queued can be dropped at the next one.
+    QObject m_openingsEvents;
     unsigned int m_cameraId = 0;
     CameraSdk::Handle m_handle = 0;
     SensorInfo m_sensorInfo = {};
+    int m_settingsResult = 0;
     int m_frameCount = 0;
     int m_failedCount = 0;
     ImageSequence m_sequence;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "camera/CameraListModel.h"
 
 #include "camera/Camera.h"
@@ -6,57 +7,26 @@
 #include <QTimer>
 
 #include <algorithm>
-#include <array>
-#include <cstddef>
-#include <cstring>
 #include <stdexcept>
 #include <utility>
-#include <vector>
 
 namespace {
-
-enum Column { Cam, Dev, Model, SerNo, Status };
-
-QString statusText(const CameraItem& item)
-{
-    if (item.status == 0) {
-        return CameraListModel::tr("free");
-    }
-    return item.opened ? CameraListModel::tr("opened") : CameraListModel::tr("in use");
-}
-
-template <std::size_t size>
-QString textOf(const std::array<char, size>& text)
-{
-    return QString::fromLatin1(text.data(), static_cast<qsizetype>(qstrnlen(text.data(), size)));
-}
-
-CameraItem itemOf(const CameraListEntry& entry)
-{
-    return {.opened = false,
-            .camId = entry.camId,
-            .devId = entry.devId,
-            .word2 = entry.word2,
-            .status = entry.status,
-            .serNo = textOf(std::to_array(entry.serNo)),
-            .model = textOf(std::to_array(entry.model))};
-}
 
 bool ascending(const CameraItem& a, const CameraItem& b, int column)
 {
     switch (column) {
-    case Cam:
+    case CameraListModel::CamColumn:
         return a.camId < b.camId;
-    case Dev:
-        // Deliberately a devId against a camId. Comparing devId with devId would give another
-        // order than the one that this list has always had.
+    case CameraListModel::DevColumn:
+        // behaviour.md: dev-column
         return a.devId < b.camId;
-    case Model:
+    case CameraListModel::ModelColumn:
         return a.model < b.model;
-    case SerNo:
+    case CameraListModel::SerNoColumn:
         return a.serNo < b.serNo;
-    case Status:
-        return QString::localeAwareCompare(statusText(b), statusText(a)) > 0;
+    case CameraListModel::StatusColumn:
+        return QString::localeAwareCompare(CameraListModel::statusText(b),
+                                           CameraListModel::statusText(a)) > 0;
     default:
         throw std::runtime_error("Sort Error");
     }
@@ -64,9 +34,9 @@ bool ascending(const CameraItem& a, const CameraItem& b, int column)
 
 bool descending(const CameraItem& a, const CameraItem& b, int column)
 {
-    // Deliberately a devId against a camId, as above; for the other columns this is the ascending
+    // behaviour.md: dev-column; for the other columns this is the ascending
     // order of b and a.
-    return column == Dev ? a.devId > b.camId : ascending(b, a, column);
+    return column == CameraListModel::DevColumn ? a.devId > b.camId : ascending(b, a, column);
 }
 
 bool comesBefore(const CameraItem& a, const CameraItem& b, int column, Qt::SortOrder order)
@@ -110,15 +80,15 @@ QVariant CameraListModel::data(const QModelIndex& index, int role) const
     }
     const CameraItem& item = m_rows.at(index.row());
     switch (index.column()) {
-    case Cam:
+    case CamColumn:
         return item.camId;
-    case Dev:
+    case DevColumn:
         return item.devId;
-    case Model:
+    case ModelColumn:
         return item.model;
-    case SerNo:
+    case SerNoColumn:
         return item.serNo;
-    case Status:
+    case StatusColumn:
         return statusText(item);
     default:
         return {};
@@ -135,6 +105,14 @@ QVariant CameraListModel::headerData(int section, Qt::Orientation orientation, i
     }
     return section >= 0 && section < columnCount() ? QVariant(m_headerLabels.at(section))
                                                    : QVariant();
+}
+
+QString CameraListModel::statusText(const CameraItem& item)
+{
+    if (item.status == 0) {
+        return tr("free");
+    }
+    return item.opened ? tr("opened") : tr("in use");
 }
 
 CameraItem CameraListModel::item(int row) const
@@ -180,10 +158,7 @@ void CameraListModel::updateList()
 
 void CameraListModel::refreshRows(bool& changed)
 {
-    std::int32_t count = 0;
-    if (m_sdk.getNumberOfCameras(&count) != 0) {
-        throw std::runtime_error("Can't get number of cameras.");
-    }
+    const std::int32_t count = camera::numberOfCameras(m_sdk);
     if (count < 1) {
         if (!m_rows.isEmpty()) {
             beginRemoveRows({}, 0, rowCount() - 1);
@@ -194,7 +169,7 @@ void CameraListModel::refreshRows(bool& changed)
         return;
     }
 
-    QList<CameraItem> cameras = connectedCameras(count);
+    QList<CameraItem> cameras = camera::cameraList(m_sdk, count);
     for (int row = 0; row < rowCount();) {
         const auto camera =
             std::find_if(cameras.begin(), cameras.end(), [&](const CameraItem& candidate) {
@@ -220,36 +195,10 @@ void CameraListModel::refreshRows(bool& changed)
     }
 
     if (!cameras.isEmpty()) {
-        // Deliberately not marked as opened, even if one is: that is a change of a row, which the
-        // next refresh finds and tells.
+        // behaviour.md: new-row-later
         beginInsertRows({}, rowCount(), rowCount() + static_cast<int>(cameras.size()) - 1);
         m_rows.append(std::move(cameras));
         endInsertRows();
         changed = true;
     }
-}
-
-QList<CameraItem> CameraListModel::connectedCameras(std::int32_t count) const
-{
-    const auto room = static_cast<std::uint32_t>(count);
-    std::vector<std::byte> memory(offsetof(CameraList, entries) +
-                                  std::size_t{room} * sizeof(CameraListEntry));
-    auto* const list = reinterpret_cast<CameraList*>(memory.data());
-    list->count = room;
-    if (m_sdk.getCameraList(list) != 0) {
-        throw std::runtime_error("Can't get camera list.");
-    }
-
-    // A camera plugged in between the two calls makes the count greater than the room for it.
-    const std::uint32_t filled = std::min(list->count, room);
-    QList<CameraItem> cameras;
-    for (std::uint32_t i = 0; i < filled; ++i) {
-        CameraListEntry entry;
-        std::memcpy(&entry,
-                    memory.data() + offsetof(CameraList, entries) +
-                        std::size_t{i} * sizeof(CameraListEntry),
-                    sizeof entry);
-        cameras.append(itemOf(entry));
-    }
-    return cameras;
 }

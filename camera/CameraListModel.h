@@ -1,6 +1,8 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "camera/CameraSdk.h"
+#include "camera/ConnectedCameras.h"
 
 #include <QAbstractTableModel>
 #include <QList>
@@ -10,20 +12,6 @@
 class Camera;
 class QTimer;
 
-/// One connected camera, as the SDK's list describes it.
-struct CameraItem
-{
-    bool opened = false; ///< this program has the camera open
-    std::uint32_t camId = 0;
-    std::uint32_t devId = 0;  ///< by which the camera is opened
-    std::uint32_t word2 = 0;  ///< carried and compared, not shown
-    std::uint32_t status = 0; ///< 0 when the camera is free
-    QString serNo;
-    QString model;
-
-    bool operator==(const CameraItem&) const = default;
-};
-
 /// The connected cameras with the columns Cam, Dev, Model, SerNo and Status, kept up to date.
 /// GUI thread.
 class CameraListModel final : public QAbstractTableModel
@@ -31,6 +19,8 @@ class CameraListModel final : public QAbstractTableModel
     Q_OBJECT
 
 public:
+    enum Column { CamColumn, DevColumn, ModelColumn, SerNoColumn, StatusColumn };
+
     /// @param sdk must outlive the model.
     /// @param msec time between two refreshes
     CameraListModel(CameraSdk& sdk, int msec, QObject* parent = nullptr);
@@ -41,6 +31,9 @@ public:
                                 int role = Qt::DisplayRole) const override;
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
                                       int role = Qt::DisplayRole) const override;
+
+    /// The word in the column Status: "free", "opened" or "in use".
+    [[nodiscard]] static QString statusText(const CameraItem& item);
 
     /// The camera in @p row, or the empty CameraItem for a row outside the list.
     [[nodiscard]] CameraItem item(int row) const;
@@ -67,7 +60,6 @@ public slots:
     void updateList();
 
 private:
-    [[nodiscard]] QList<CameraItem> connectedCameras(std::int32_t count) const;
     void refreshRows(bool& changed);
 
     CameraSdk& m_sdk;

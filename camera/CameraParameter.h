@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 /// A camera parameter that can be set: its range, the step that a slider position stands for, and

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "camera/EventObject.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 /// An event object that the camera SDK signals: a HANDLE on Windows, where the SDK itself knows it,

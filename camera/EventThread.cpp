@@ -1,9 +1,11 @@
+// SPDX-License-Identifier: MIT
 #include "camera/EventThread.h"
 
 namespace {
 
 constexpr int WaitMsec = 500;
 constexpr unsigned long EndMsec = 1000;
+constexpr unsigned long LetGoMsec = 5000;
 
 } // namespace
 
@@ -15,7 +17,17 @@ EventThread::EventThread(CameraSdk& sdk, QObject* parent)
 EventThread::~EventThread()
 {
     stop();
-    wait();
+    wait(LetGoMsec);
+}
+
+void EventThread::release(std::unique_ptr<EventThread> thread, QDeadlineTimer deadline)
+{
+    thread->stop();
+    if (!thread->wait(deadline)) {
+        thread->disconnect();
+        thread->terminate();
+        static_cast<void>(thread.release());
+    }
 }
 
 int EventThread::start(unsigned int handle, int eventId)
@@ -54,12 +66,20 @@ void EventThread::run()
     }
     m_running = false;
     m_sdk.disableEvent(m_handle, m_eventId);
+    // Given up meanwhile, it would release what the next opening has bound.
+    endIfTerminated();
     m_sdk.exitEvent(m_handle, m_eventId);
+}
+
+void EventThread::endIfTerminated()
+{
+    // A termination that was asked for while it was switched off strikes as it is switched on.
+    setTerminationEnabled(true);
+    setTerminationEnabled(false);
 }
 
 bool EventThread::waitTerminably(EventHandle event)
 {
-    // A termination that was asked for while it was switched off strikes as it is switched on here.
     setTerminationEnabled(true);
     const bool signalled = waitForEventObject(event, WaitMsec);
     setTerminationEnabled(false);

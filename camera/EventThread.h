@@ -1,19 +1,23 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "camera/CameraSdk.h"
 #include "camera/EventObject.h"
 
+#include <QDeadlineTimer>
 #include <QThread>
 
 #include <atomic>
+#include <memory>
 
 /// Turns one event of the camera SDK into a signal: owns an event object, binds it to an SDK event
 /// and waits for it in a thread of its own.
 ///
 /// start() and stop() are called on the thread that owns the object. After stop(), the owner waits
 /// for the thread with wait(), at most 500 ms where it may go on without, and terminates it then.
-/// Terminating is harmless: it strikes only in the wait for the event object, where nothing is
-/// locked, never in a call of the SDK nor in the emission of eventhappen().
+/// Terminating is harmless: it strikes only in the wait for the event object and between two calls
+/// of the SDK, where nothing is locked, never in a call nor in the emission of eventhappen(). So a
+/// thread that hung in the SDK and was given up calls nothing more when it comes back.
 class EventThread final : public QThread
 {
     Q_OBJECT
@@ -22,8 +26,13 @@ public:
     /// @param sdk must outlive the thread.
     explicit EventThread(CameraSdk& sdk, QObject* parent = nullptr);
 
-    /// Stops the thread and waits until it has ended.
+    /// Stops the thread and waits for it, at most 5 seconds: one that the SDK does not let go is a
+    /// fatal error then. An owner that goes on without it uses release().
     ~EventThread() override;
+
+    /// Ends @p thread: stops it, waits for it until @p deadline and deletes it. One that still
+    /// hangs in the SDK is terminated as soon as it comes back, and is never deleted.
+    static void release(std::unique_ptr<EventThread> thread, QDeadlineTimer deadline);
 
     EventThread(const EventThread&) = delete;
     EventThread& operator=(const EventThread&) = delete;
@@ -50,8 +59,9 @@ protected:
     void run() override;
 
 private:
-    /// The only place where a terminated thread ends.
+    // The only places where a terminated thread ends.
     static bool waitTerminably(EventHandle event);
+    static void endIfTerminated();
 
     CameraSdk& m_sdk;
     std::atomic<unsigned int> m_handle = 0;

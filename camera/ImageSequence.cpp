@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "camera/ImageSequence.h"
 
 #include <stdexcept>

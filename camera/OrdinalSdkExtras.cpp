@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "camera/SdkExtras.h"
 
 // The maker's library brings nothing along: no switches for the command line, no window.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <QObject>
@@ -10,7 +11,7 @@
 
 class CameraSdk;
 
-/// A command-line switch that an SDK brings along, such as the lens cap of simulated cameras.
+/// A command-line switch that an SDK brings along, such as the cover of simulated cameras.
 struct SdkSwitch
 {
     QString name;                                               ///< without the leading dashes
@@ -19,7 +20,8 @@ struct SdkSwitch
 };
 
 // What an executable's SDK offers beyond the 29 operations. Whoever defines createCameraSdk()
-// defines these too; with the maker's library there is nothing.
+// defines these too, the window in a library of its own where it needs widgets; with the maker's
+// library there is nothing.
 
 /// The switches that the command-line companion offers with this SDK.
 std::vector<SdkSwitch> sdkSwitches();

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Vorn::ordinal: the camera maker's library behind CameraSdk. An executable links it to be the
 # program for real cameras. Windows only.
 #
@@ -24,14 +25,14 @@ add_custom_command(
 add_custom_target(vorn_api_import DEPENDS "${vorn_api_import}")
 
 add_library(vorn_ordinal_binding STATIC "${CMAKE_CURRENT_LIST_DIR}/OrdinalCameraSdk.cpp")
-_vorn_target_defaults(vorn_ordinal_binding)
+vorn_target_defaults(vorn_ordinal_binding)
 target_include_directories(vorn_ordinal_binding PUBLIC "${VORN_ROOT}")
 target_link_libraries(vorn_ordinal_binding PUBLIC "${vorn_api_import}")
 add_dependencies(vorn_ordinal_binding vorn_api_import)
 
 if(TARGET vorn_camera)
   add_library(vorn_ordinal STATIC "${CMAKE_CURRENT_LIST_DIR}/OrdinalSdkExtras.cpp")
-  _vorn_target_defaults(vorn_ordinal)
+  vorn_target_defaults(vorn_ordinal)
   target_link_libraries(vorn_ordinal PUBLIC vorn_ordinal_binding Vorn::camera)
   add_library(Vorn::ordinal ALIAS vorn_ordinal)
 endif()

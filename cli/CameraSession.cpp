@@ -1,10 +1,10 @@
+// SPDX-License-Identifier: MIT
 #include "cli/CameraSession.h"
 
+#include "camera/CameraListModel.h"
 #include "cli/Command.h"
-#include "cli/CommandError.h"
 #include "cli/Console.h"
 #include "cli/Interruption.h"
-#include "cli/ProgressBar.h"
 
 #include <QFileInfo>
 
@@ -16,24 +16,66 @@ constexpr auto SettingsFile = "./VornHotpixelEditor.ini"; ///< as Camera::open()
 
 } // namespace
 
+QString cli::cameraText(const CameraItem& camera)
+{
+    return CameraSession::tr("%1, SerNo %2, Dev %3")
+        .arg(camera.model, camera.serNo)
+        .arg(camera.devId);
+}
+
+QJsonObject cli::cameraObject(const CameraItem& camera)
+{
+    return {{QStringLiteral("cam"), static_cast<qint64>(camera.camId)},
+            {QStringLiteral("dev"), static_cast<qint64>(camera.devId)},
+            {QStringLiteral("model"), camera.model},
+            {QStringLiteral("serNo"), camera.serNo},
+            {QStringLiteral("status"), CameraListModel::statusText(camera)}};
+}
+
+CameraItem cli::chooseCamera(const QList<CameraItem>& cameras, const QString& name)
+{
+    const CameraItem* found = nullptr;
+    for (const CameraItem& camera : cameras) {
+        if (camera.serNo != name && QString::number(camera.devId) != name) {
+            continue;
+        }
+        if (found != nullptr) {
+            throw CommandError(
+                CameraSession::tr(
+                    "\"%1\" is the Dev number of one camera and the serial number of another.")
+                    .arg(name));
+        }
+        found = &camera;
+    }
+    if (found == nullptr) {
+        throw CommandError(
+            CameraSession::tr("No camera with the Dev number or serial number \"%1\" is connected.")
+                .arg(name));
+    }
+    return *found;
+}
+
 CameraSession::CameraSession(CommandContext& context, const QString& name)
-    : CameraSession(context, cli::chooseCamera(cli::connectedCameras(context.sdk), name))
+    : CameraSession(context, cli::chooseCamera(camera::connectedCameras(context.sdk()), name))
 {}
 
-CameraSession::CameraSession(CommandContext& context, ConnectedCamera camera)
+CameraSession::CameraSession(CommandContext& context, CameraItem camera)
     : m_context(context)
-    , m_camera(context.sdk)
+    , m_camera(context.sdk())
     , m_description(std::move(camera))
 {
-    if (!m_description.free) {
-        throw cli::CommandError(
-            tr("The camera (%1) is in use by another program.").arg(m_description.description()));
+    if (m_description.status != 0) {
+        throw cli::CommandError(tr("The camera (%1) is in use by another program.")
+                                    .arg(cli::cameraText(m_description)));
     }
     QObject::connect(&m_camera, &Camera::displayError, &m_camera,
-                     [this](const QString& text, int /*msec*/) {
-                         // The settings file is optional. Only one that is there is worth a line.
-                         const bool missing = !QFileInfo::exists(QString::fromLatin1(SettingsFile));
-                         if (!missing || text != Camera::tr("Can't open ini file.")) {
+                     [this, settingsTold = false](const QString& text, int /*msec*/) mutable {
+                         // The first notice since the file was refused says so. It is optional, so
+                         // only one that is there is worth a line.
+                         const bool ofSettings =
+                             m_camera.settingsResult() == camera::FileNotOpened &&
+                             !std::exchange(settingsTold, true);
+                         if (!ofSettings || QFileInfo::exists(QLatin1String(SettingsFile))) {
                              m_context.console.notice(text);
                          }
                      });

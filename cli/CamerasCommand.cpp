@@ -1,10 +1,13 @@
-#include "cli/CamerasCommand.h"
+// SPDX-License-Identifier: MIT
+// `cameras`: the connected cameras, as the editor's camera list shows them.
 
-#include "cli/CameraChoice.h"
+#include "camera/CameraListModel.h"
+#include "cli/CameraSession.h"
+#include "cli/Command.h"
 #include "cli/Console.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
-#include <QJsonDocument>
 
 #include <algorithm>
 #include <array>
@@ -33,41 +36,51 @@ QString tableText(const std::vector<Row>& rows)
     return lines.join(u'\n');
 }
 
+class CamerasCommand
+{
+    Q_DECLARE_TR_FUNCTIONS(CamerasCommand)
+
+public:
+    static QList<QCommandLineOption> options(const std::vector<SdkSwitch>& /*switches*/)
+    {
+        return {};
+    }
+
+    static void run(const QStringList& /*values*/, const QCommandLineParser& /*parser*/,
+                    CommandContext& context)
+    {
+        const QList<CameraItem> cameras = camera::connectedCameras(context.sdk());
+        Report report(context.console, context.json);
+        QJsonArray array;
+        std::vector<Row> rows{{tr("Cam"), tr("Dev"), tr("Model"), tr("SerNo"), tr("Status")}};
+        for (const CameraItem& camera : cameras) {
+            array.append(cli::cameraObject(camera));
+            rows.push_back({QString::number(camera.camId), QString::number(camera.devId),
+                            camera.model, camera.serNo, CameraListModel::statusText(camera)});
+        }
+        report.insert("cameras", array);
+        if (!cameras.isEmpty()) {
+            report.line(tableText(rows));
+        } else if (!context.json) {
+            context.console.notice(tr("No camera is connected."));
+        }
+    }
+};
+
 } // namespace
 
-QString CamerasCommand::summary() const
+namespace cli::commands {
+
+Command cameras()
 {
-    return tr("List the connected cameras.");
+    return {.name = QStringLiteral("cameras"),
+            .arguments = {},
+            .summary = CamerasCommand::tr("List the connected cameras."),
+            .description = CamerasCommand::tr(
+                "Lists the connected cameras. Any other command takes the Dev number or the\n"
+                "serial number (SerNo) to name one of them; only a free camera can be opened."),
+            .options = CamerasCommand::options,
+            .run = CamerasCommand::run};
 }
 
-QString CamerasCommand::description() const
-{
-    return tr("Lists the connected cameras. Any other command takes the Dev number or the serial "
-              "number (SerNo) to name one of them; only a free camera can be opened.");
-}
-
-void CamerasCommand::run(const QStringList& /*values*/, const QCommandLineParser& /*parser*/,
-                         CommandContext& context) const
-{
-    const std::vector<ConnectedCamera> cameras = cli::connectedCameras(context.sdk);
-    if (context.json) {
-        QJsonArray array;
-        for (const ConnectedCamera& camera : cameras) {
-            array.append(camera.toJson());
-        }
-        context.console.result(
-            QString::fromUtf8(QJsonDocument(QJsonObject{{QStringLiteral("cameras"), array}})
-                                  .toJson(QJsonDocument::Compact)));
-        return;
-    }
-    if (cameras.empty()) {
-        context.console.notice(tr("No camera is connected."));
-        return;
-    }
-    std::vector<Row> rows{{tr("Cam"), tr("Dev"), tr("Model"), tr("SerNo"), tr("Status")}};
-    for (const ConnectedCamera& camera : cameras) {
-        rows.push_back({QString::number(camera.camId), QString::number(camera.devId), camera.model,
-                        camera.serNo, camera.status});
-    }
-    context.console.result(tableText(rows));
-}
+} // namespace cli::commands

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "camera/SdkExtras.h"
@@ -7,6 +8,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
+#include <stdexcept>
 #include <vector>
 
 class CameraSdk;
@@ -14,10 +17,30 @@ class Console;
 class Interruption;
 class QCommandLineParser;
 
+namespace cli {
+
+/// What ends a command with one line on standard error and status 1.
+class CommandError : public std::runtime_error
+{
+public:
+    explicit CommandError(const QString& text)
+        : std::runtime_error(text.toStdString())
+    {}
+};
+
+/// A command line that makes no sense: status 2.
+class UsageError final : public CommandError
+{
+public:
+    using CommandError::CommandError;
+};
+
+} // namespace cli
+
 /// What a sub-command works with; all of it outlives the command's run.
 struct CommandContext
 {
-    CameraSdk& sdk;
+    std::function<CameraSdk&()> sdk; ///< makes it when it is first asked for
     const std::vector<SdkSwitch>& switches;
     Console& console;
     Interruption& interruption;
@@ -25,32 +48,25 @@ struct CommandContext
 };
 
 /// One sub-command of the companion.
-class Command
+///
+/// A new one is a source of its own, which defines `Command cli::commands::NAME()`, and a line in
+/// the table of Companion.cpp.
+struct Command
 {
-public:
-    virtual ~Command() = default;
+    QString name;          ///< how it is called
+    QStringList arguments; ///< the names of its arguments, all of them necessary; one or more of
+                           ///< the last one where its name ends in "..."
+    QString summary;       ///< one line for the list of commands
+    QString description;   ///< for its own help, in lines of up to 79 characters
 
-    /// How it is called.
-    [[nodiscard]] virtual QString name() const = 0;
+    /// Its options, besides those that every command has; the switches are those of the SDK.
+    QList<QCommandLineOption> (*options)(const std::vector<SdkSwitch>& switches);
 
-    /// One line for the list of commands.
-    [[nodiscard]] virtual QString summary() const = 0;
-
-    /// Paragraphs for its own help.
-    [[nodiscard]] virtual QString description() const = 0;
-
-    /// The names of its arguments, all of them necessary.
-    [[nodiscard]] virtual QStringList arguments() const { return {}; }
-
-    /// Its options, besides those that every command has; @p switches are those of the SDK.
-    [[nodiscard]] virtual QList<QCommandLineOption>
-    options(const std::vector<SdkSwitch>& switches) const;
-
-    /// Does the work. GUI thread; runs the event loop where it has to wait.
-    /// @param values as many as arguments() names
-    /// @param parser what was given of options()
-    /// @throws cli::UsageError for options that make no sense.
-    /// @throws std::exception with one line for the user when it fails.
-    virtual void run(const QStringList& values, const QCommandLineParser& parser,
-                     CommandContext& context) const = 0;
+    /// Does the work. Main thread; runs the event loop where it has to wait. The values are as many
+    /// as the arguments, the parser has what was given of the options.
+    ///
+    /// Throws cli::UsageError for options that make no sense, and std::exception with one line for
+    /// the user when it fails.
+    void (*run)(const QStringList& values, const QCommandLineParser& parser,
+                CommandContext& context);
 };

@@ -1,13 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "cli/Companion.h"
 
 #include "camera/CameraSdk.h"
-#include "cli/CamerasCommand.h"
-#include "cli/CommandError.h"
 #include "cli/Console.h"
-#include "cli/DetectCommand.h"
-#include "cli/HelpText.h"
-#include "cli/ReadCommand.h"
-#include "cli/WriteCommand.h"
 
 #include <QCommandLineParser>
 #include <QFileInfo>
@@ -16,28 +11,61 @@
 #include <exception>
 #include <utility>
 
+// The commands, in the order of the help: cli::commands::NAME() of each is in a source of its own.
+#define VORN_COMMANDS(COMMAND)                                                                     \
+    COMMAND(cameras)                                                                               \
+    COMMAND(read)                                                                                  \
+    COMMAND(detect)                                                                                \
+    COMMAND(write)
+
+namespace cli::commands {
+
+#define VORN_DECLARE(name) Command name();
+VORN_COMMANDS(VORN_DECLARE)
+#undef VORN_DECLARE
+
+} // namespace cli::commands
+
 namespace {
 
 constexpr auto JsonOption = "json";
 constexpr auto HelpOption = "help";
 constexpr auto VersionOption = "version";
+constexpr auto Repeated = "...";
+
+/// The values that the arguments of a command get.
+/// @throws cli::UsageError when they are too few or too many.
+void checkCount(const QStringList& values, const QStringList& arguments)
+{
+    if (values.size() < arguments.size()) {
+        QString missing = arguments[values.size()];
+        throw cli::UsageError(
+            Companion::tr("%1 is missing.").arg(missing.remove(QLatin1String(Repeated))));
+    }
+    const bool anyNumber =
+        !arguments.isEmpty() && arguments.last().endsWith(QLatin1String(Repeated));
+    if (values.size() > arguments.size() && !anyNumber) {
+        throw cli::UsageError(Companion::tr("\"%1\" is too much.").arg(values[arguments.size()]));
+    }
+}
 
 } // namespace
 
 Companion::Companion(MakeSdk makeSdk, std::vector<SdkSwitch> switches, Console& console,
-                     Interruption& interruption)
+                     Interruption& interruption, std::vector<Command> commands)
     : m_makeSdk(std::move(makeSdk))
     , m_switches(std::move(switches))
     , m_console(console)
     , m_interruption(interruption)
-{
-    m_commands.push_back(std::make_unique<CamerasCommand>());
-    m_commands.push_back(std::make_unique<ReadCommand>());
-    m_commands.push_back(std::make_unique<DetectCommand>());
-    m_commands.push_back(std::make_unique<WriteCommand>());
-}
+    , m_commands(std::move(commands))
+{}
 
-Companion::~Companion() = default;
+std::vector<Command> Companion::allCommands()
+{
+#define VORN_CALL(name) cli::commands::name(),
+    return {VORN_COMMANDS(VORN_CALL)};
+#undef VORN_CALL
+}
 
 int Companion::run(const QStringList& arguments)
 {
@@ -56,15 +84,15 @@ int Companion::dispatch(const QStringList& arguments)
     const auto word = std::ranges::find_if(
         arguments, [](const QString& argument) { return !argument.startsWith(u'-'); });
     const auto command = std::ranges::find_if(m_commands, [&](const auto& candidate) {
-        return word != arguments.end() && candidate->name() == *word;
+        return word != arguments.end() && candidate.name == *word;
     });
     QString helpCommand = m_program;
     try {
         if (command != m_commands.end()) {
-            helpCommand += u' ' + (*command)->name();
+            helpCommand += u' ' + command->name;
             QStringList rest = arguments;
             rest.removeAt(word - arguments.begin());
-            runCommand(**command, rest);
+            runCommand(*command, rest);
             return Succeeded;
         }
         if (word != arguments.end()) {
@@ -84,79 +112,72 @@ int Companion::dispatch(const QStringList& arguments)
 
 void Companion::runWithoutCommand(const QStringList& arguments)
 {
-    const QList<QCommandLineOption> options = commonOptions();
-    QCommandLineParser parser;
-    parser.addOptions(options);
-    if (!parser.parse(QStringList(m_program) + arguments)) {
-        throw cli::UsageError(parser.errorText());
+    const auto callOf = [](const Command& command) {
+        return (QStringList(command.name) + command.arguments).join(u' ');
+    };
+    qsizetype width = 0;
+    for (const Command& command : m_commands) {
+        width = std::max(width, callOf(command).size());
     }
-    if (parser.isSet(QLatin1String(HelpOption))) {
-        printHelp(options);
-    } else if (parser.isSet(QLatin1String(VersionOption))) {
-        printVersion();
-    } else {
+    QString description = tr("Commands:") + u'\n';
+    for (const Command& command : m_commands) {
+        description +=
+            QStringLiteral("  %1  %2\n").arg(callOf(command).leftJustified(width), command.summary);
+    }
+    description += u'\n' + tr("CAMERA is a Dev number or a serial number. The help of a command:\n"
+                              "\"%1 COMMAND --help\". The exit status is 0, 1 when the command\n"
+                              "failed, or 2 when it was called wrongly.")
+                               .arg(m_program);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(description);
+    if (parse(parser, m_program + u' ' + tr("COMMAND [options]"), arguments)) {
         throw cli::UsageError(tr("The command is missing."));
     }
 }
 
 void Companion::runCommand(const Command& command, const QStringList& arguments)
 {
-    const QList<QCommandLineOption> options = command.options(m_switches) + commonOptions();
-    const QStringList expected = command.arguments();
     QCommandLineParser parser;
-    parser.addOptions(options);
-    if (!parser.parse(QStringList(m_program) + arguments)) {
-        throw cli::UsageError(parser.errorText());
-    }
-    if (parser.isSet(QLatin1String(HelpOption))) {
-        const QStringList usage = QStringList{m_program, command.name()} + expected;
-        m_console.result(
-            cli::commandHelp(usage.join(u' '), command.description(), options).trimmed());
-        return;
-    }
-    if (parser.isSet(QLatin1String(VersionOption))) {
-        printVersion();
+    parser.addOptions(command.options(m_switches));
+    parser.setApplicationDescription(command.description);
+    const QStringList usage = QStringList{m_program, command.name} + command.arguments;
+    if (!parse(parser, usage.join(u' ') + u' ' + tr("[options]"), arguments)) {
         return;
     }
     const QStringList values = parser.positionalArguments();
-    if (values.size() < expected.size()) {
-        throw cli::UsageError(tr("%1 is missing.").arg(expected[values.size()]));
-    }
-    if (values.size() > expected.size()) {
-        throw cli::UsageError(tr("\"%1\" is too much.").arg(values[expected.size()]));
-    }
-    const std::unique_ptr<CameraSdk> sdk = m_makeSdk();
-    CommandContext context{*sdk, m_switches, m_console, m_interruption,
+    checkCount(values, command.arguments);
+
+    std::unique_ptr<CameraSdk> sdk;
+    const auto sdkOnDemand = [&]() -> CameraSdk& {
+        if (!sdk) {
+            sdk = m_makeSdk();
+        }
+        return *sdk;
+    };
+    CommandContext context{sdkOnDemand, m_switches, m_console, m_interruption,
                            parser.isSet(QLatin1String(JsonOption))};
     command.run(values, parser, context);
 }
 
-QList<QCommandLineOption> Companion::commonOptions()
+bool Companion::parse(QCommandLineParser& parser, const QString& usage,
+                      const QStringList& arguments)
 {
-    return {{QLatin1String(JsonOption), tr("Print the results as one JSON object.")},
-            {{QStringLiteral("h"), QLatin1String(HelpOption)}, tr("Print this help.")},
-            {{QStringLiteral("v"), QLatin1String(VersionOption)}, tr("Print the version.")}};
-}
-
-void Companion::printHelp(const QList<QCommandLineOption>& options) const
-{
-    QList<cli::HelpItem> items;
-    for (const std::unique_ptr<Command>& command : m_commands) {
-        const QStringList call = QStringList(command->name()) + command->arguments();
-        items.append({call.join(u' '), command->summary()});
+    parser.addOptions(
+        {{QLatin1String(JsonOption), tr("Print the results as one JSON object.")},
+         {{QStringLiteral("h"), QLatin1String(HelpOption)}, tr("Print this help.")},
+         {{QStringLiteral("v"), QLatin1String(VersionOption)}, tr("Print the version.")}});
+    if (!parser.parse(QStringList(m_program) + arguments)) {
+        throw cli::UsageError(parser.errorText());
     }
-    m_console.result(tr("Usage: %1 COMMAND [options]").arg(m_program) + QStringLiteral("\n\n") +
-                     tr("Commands:") + u'\n' + cli::itemText(items) + u'\n' + tr("Options:") +
-                     u'\n' + cli::itemText(cli::optionItems(options)) + u'\n' +
-                     cli::wrapped(tr("CAMERA is a Dev number or a serial number. The help of a "
-                                     "command: \"%1 COMMAND --help\". The exit status is 0, 1 when "
-                                     "the command failed, or 2 when it was called wrongly.")
-                                      .arg(m_program),
-                                  0)
-                         .trimmed());
-}
-
-void Companion::printVersion() const
-{
-    m_console.result(m_program + u' ' + QCoreApplication::applicationVersion());
+    if (parser.isSet(QLatin1String(HelpOption))) {
+        // The parser's own first line names the whole path of the program, and no command.
+        m_console.result(tr("Usage: %1").arg(usage) + QStringLiteral("\n\n") +
+                         parser.helpText().section(u'\n', 1).trimmed());
+        return false;
+    }
+    if (parser.isSet(QLatin1String(VersionOption))) {
+        m_console.result(m_program + u' ' + QCoreApplication::applicationVersion());
+        return false;
+    }
+    return true;
 }

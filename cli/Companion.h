@@ -1,8 +1,8 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
-#include "camera/SdkExtras.h"
+#include "cli/Command.h"
 
-#include <QCommandLineOption>
 #include <QCoreApplication>
 #include <QList>
 #include <QStringList>
@@ -10,11 +10,6 @@
 #include <functional>
 #include <memory>
 #include <vector>
-
-class CameraSdk;
-class Command;
-class Console;
-class Interruption;
 
 /// The command-line companion of the editor: finds the sub-command that the arguments name, and
 /// runs it.
@@ -29,9 +24,12 @@ public:
 
     /// @param makeSdk called when a command needs the SDK; help and version don't
     /// @param switches those of this SDK
+    /// @param commands in the order of the help
     Companion(MakeSdk makeSdk, std::vector<SdkSwitch> switches, Console& console,
-              Interruption& interruption);
-    ~Companion();
+              Interruption& interruption, std::vector<Command> commands = allCommands());
+
+    /// Every command that there is.
+    [[nodiscard]] static std::vector<Command> allCommands();
 
     /// Runs the command line @p arguments, whose first one is the program's name. Results go to
     /// standard output, everything else to standard error; a failure is one line there.
@@ -42,14 +40,17 @@ private:
     int dispatch(const QStringList& arguments);
     void runCommand(const Command& command, const QStringList& arguments);
     void runWithoutCommand(const QStringList& arguments);
-    void printHelp(const QList<QCommandLineOption>& options) const;
-    void printVersion() const;
-    [[nodiscard]] static QList<QCommandLineOption> commonOptions();
+
+    /// Reads the options that every command has and those that the parser knows already; does what
+    /// those two ask for that end everything else.
+    /// @return whether there is more to do.
+    [[nodiscard]] bool parse(QCommandLineParser& parser, const QString& usage,
+                             const QStringList& arguments);
 
     MakeSdk m_makeSdk;
     std::vector<SdkSwitch> m_switches;
     Console& m_console;
     Interruption& m_interruption;
-    std::vector<std::unique_ptr<Command>> m_commands;
+    std::vector<Command> m_commands;
     QString m_program; ///< its name, for usage lines
 };

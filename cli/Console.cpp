@@ -1,18 +1,28 @@
+// SPDX-License-Identifier: MIT
 #include "cli/Console.h"
 
 #include "cli/Interruption.h"
 
 #include <QByteArray>
+#include <QJsonDocument>
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 #ifdef Q_OS_WIN
 #include <io.h>
+#include <windows.h>
 #else
+#include <sys/ioctl.h>
 #include <unistd.h>
 #endif
 
 namespace {
+
+constexpr qsizetype GreatestBarWidth = 30;
+constexpr qsizetype LeastBarWidth = 6; ///< a shorter one shows nothing
+constexpr qsizetype MarkWidth = 3;
 
 int descriptorOf(std::FILE* stream)
 {
@@ -32,6 +42,21 @@ bool isTerminal(std::FILE* stream)
 #endif
 }
 
+/// The columns of the terminal behind @p stream; 80 when it does not say.
+qsizetype terminalWidth(std::FILE* stream)
+{
+    constexpr qsizetype UnknownWidth = 80;
+#ifdef Q_OS_WIN
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    const auto console = reinterpret_cast<HANDLE>(_get_osfhandle(descriptorOf(stream)));
+    return GetConsoleScreenBufferInfo(console, &info) != 0 ? info.dwSize.X : UnknownWidth;
+#else
+    winsize size{};
+    const bool known = ioctl(descriptorOf(stream), TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return known ? size.ws_col : UnknownWidth;
+#endif
+}
+
 } // namespace
 
 Console::Console(std::FILE* in, std::FILE* out, std::FILE* err)
@@ -47,6 +72,11 @@ void Console::result(const QString& text)
     const std::lock_guard lock(m_mutex);
     clearProgressLine();
     write(m_out, text + u'\n');
+}
+
+void Console::json(const QJsonObject& object)
+{
+    result(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)));
 }
 
 void Console::notice(const QString& text)
@@ -69,6 +99,13 @@ void Console::setProgressLine(const QString& text)
     write(m_err, text);
     std::fflush(m_err);
     m_progressLine = text;
+}
+
+qsizetype Console::progressWidth() const
+{
+    // ^C, and the last column, behind which some terminals begin a new line at once.
+    constexpr qsizetype KeptFree = 3;
+    return std::max<qsizetype>(1, terminalWidth(m_err) - KeptFree);
 }
 
 bool Console::confirm(const QString& question, const Interruption& interruption)
@@ -115,8 +152,86 @@ void Console::clearProgressLine()
     if (m_progressLine.isEmpty()) {
         return;
     }
-    // Blanks instead of an escape sequence: every terminal knows them.
-    write(m_err, u'\r' + QString(m_progressLine.size(), u' ') + u'\r');
+    // Blanks instead of an escape sequence: every terminal knows them. All over the line, since
+    // what was typed meanwhile stands behind the text.
+    write(m_err, u'\r' + QString(terminalWidth(m_err) - 1, u' ') + u'\r');
     std::fflush(m_err);
     m_progressLine.clear();
+}
+
+Report::~Report()
+{
+    if (m_json && !m_object.isEmpty()) {
+        m_console.json(m_object);
+    }
+}
+
+void Report::line(const QString& text)
+{
+    if (!m_json) {
+        m_console.result(text);
+    }
+}
+
+void Report::insert(const char* key, const QJsonValue& value)
+{
+    m_object.insert(QLatin1String(key), value);
+}
+
+ProgressBar::ProgressBar(Console& console, QString label, int total)
+    : m_console(console)
+    , m_label(std::move(label))
+    , m_total(total)
+{
+    if (m_console.showsProgress()) {
+        m_thread = std::thread(&ProgressBar::draw, this);
+    }
+}
+
+ProgressBar::~ProgressBar()
+{
+    if (m_thread.joinable()) {
+        {
+            const std::lock_guard lock(m_mutex);
+            m_ended = true;
+        }
+        m_wakeUp.notify_one();
+        m_thread.join();
+        m_console.setProgressLine(QString());
+    }
+}
+
+void ProgressBar::draw()
+{
+    using namespace std::chrono_literals;
+    std::unique_lock lock(m_mutex);
+    auto next = m_start + 1s;
+    int tick = 0;
+    while (!m_wakeUp.wait_until(lock, next, [this] { return m_ended; })) {
+        m_console.setProgressLine(
+            cli::progressLine(m_label, m_done, m_total, tick, m_console.progressWidth()));
+        ++tick;
+        next += 200ms;
+    }
+}
+
+QString cli::progressLine(const QString& label, int done, int total, int tick, qsizetype width)
+{
+    const QString count = total > 0 ? QStringLiteral(" %1/%2").arg(done).arg(total) : QString();
+    const qsizetype barWidth = std::min(GreatestBarWidth, width - label.size() - count.size() -
+                                                              QStringView(u" []").size());
+    if (barWidth < LeastBarWidth) {
+        return label.left(width - count.size()) + count;
+    }
+    QString bar(barWidth, u'.');
+    if (total > 0) {
+        const qsizetype filled = barWidth * std::clamp(done, 0, total) / total;
+        bar.replace(0, filled, QString(filled, u'#'));
+    } else {
+        // There and back again.
+        const qsizetype path = barWidth - MarkWidth;
+        const qsizetype step = tick % (2 * path);
+        bar.replace(step <= path ? step : 2 * path - step, MarkWidth, QString(MarkWidth, u'#'));
+    }
+    return QStringLiteral("%1 [%2]%3").arg(label, bar, count);
 }

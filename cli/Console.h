@@ -1,9 +1,15 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QJsonObject>
 #include <QString>
 
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
 #include <cstdio>
 #include <mutex>
+#include <thread>
 
 class Interruption;
 
@@ -19,11 +25,19 @@ public:
     /// Writes @p text and a line end to standard output.
     void result(const QString& text);
 
+    /// Writes @p object on one line to standard output.
+    void json(const QJsonObject& object);
+
     /// Writes @p text and a line end to standard error.
     void notice(const QString& text);
 
     /// Replaces the progress line, which stands below everything else; an empty text removes it.
+    /// @param text at most progressWidth() characters
     void setProgressLine(const QString& text);
+
+    /// How long a progress line may be on the terminal as it is now, so that it and what a key that
+    /// is pressed meanwhile shows (as ^C) stay on one line.
+    [[nodiscard]] qsizetype progressWidth() const;
 
     /// Whether somebody can see a progress line: standard error is a terminal.
     [[nodiscard]] bool showsProgress() const { return m_showsProgress; }
@@ -53,3 +67,68 @@ private:
     QString m_progressLine; ///< what stands on the terminal now
     std::mutex m_mutex;
 };
+
+/// The results of a command: lines for people as they come, or one object for machines when the
+/// report goes, also when it does with an exception.
+class Report
+{
+public:
+    /// @param console must outlive the report
+    /// @param json whether machines read it
+    Report(Console& console, bool json)
+        : m_console(console)
+        , m_json(json)
+    {}
+
+    /// Nothing is printed of an object that nothing was inserted into.
+    ~Report();
+
+    Report(const Report&) = delete;
+    Report& operator=(const Report&) = delete;
+
+    void line(const QString& text);
+    void insert(const char* key, const QJsonValue& value);
+
+private:
+    Console& m_console;
+    const bool m_json;
+    QJsonObject m_object;
+};
+
+/// A progress bar on the terminal for as long as the object lives, from the second second on; so
+/// what is done sooner shows none. Drawn by a thread of its own, since the work may block.
+class ProgressBar
+{
+public:
+    /// @param total steps of the work, or 0 when it can't be told how far it is
+    ProgressBar(Console& console, QString label, int total = 0);
+    ~ProgressBar();
+
+    ProgressBar(const ProgressBar&) = delete;
+    ProgressBar& operator=(const ProgressBar&) = delete;
+
+    /// Tells that @p done of the steps are done. Any thread.
+    void setDone(int done) { m_done = done; }
+
+private:
+    void draw();
+
+    Console& m_console;
+    const QString m_label;
+    const int m_total;
+    const std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+    std::atomic<int> m_done = 0;
+    bool m_ended = false;
+    std::mutex m_mutex; ///< guards m_ended
+    std::condition_variable m_wakeUp;
+    std::thread m_thread;
+};
+
+namespace cli {
+
+/// One state of the bar: "Label [####......] 4/10". With no @p total a mark that moves with @p tick
+/// instead. It takes at most @p width characters: where they are few, the bar becomes shorter, then
+/// it is left out, then the label is cut off.
+QString progressLine(const QString& label, int done, int total, int tick, qsizetype width = 79);
+
+} // namespace cli

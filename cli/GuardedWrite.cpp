@@ -1,13 +1,24 @@
+// SPDX-License-Identifier: MIT
 #include "cli/GuardedWrite.h"
 
-#include "cli/CommandError.h"
-#include "cli/ListBackup.h"
+#include "cli/CameraSession.h"
+#include "cli/Command.h"
+#include "cli/Console.h"
+#include "cli/EntryText.h"
+#include "cli/ListFiles.h"
 
+#include <QCommandLineParser>
+
+#include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 namespace {
 
 constexpr int PutBackAttempts = 3;
+
+constexpr auto YesOption = "yes";
+constexpr auto AllowEmptyOption = "allow-empty";
 
 } // namespace
 
@@ -54,7 +65,7 @@ QString GuardedWrite::writeAndCompare() const
         if (m_lists.userEntries() != m_newEntries) {
             return tr("The camera did not store the list as it was written.");
         }
-    } catch (const cli::CommandError& error) {
+    } catch (const std::runtime_error& error) {
         return QString::fromUtf8(error.what());
     }
     return {};
@@ -69,7 +80,7 @@ QString GuardedWrite::putBack() const
             if (m_lists.userEntries() == m_oldEntries) {
                 return {};
             }
-        } catch (const cli::CommandError& error) {
+        } catch (const std::runtime_error& error) {
             failure = QString::fromUtf8(error.what());
         }
         try {
@@ -78,9 +89,88 @@ QString GuardedWrite::putBack() const
                 return {};
             }
             failure = tr("the camera did not store it");
-        } catch (const cli::CommandError& error) {
+        } catch (const std::runtime_error& error) {
             failure = QString::fromUtf8(error.what());
         }
     }
     return failure;
+}
+
+QList<QCommandLineOption> cli::writeOptions()
+{
+    return {
+        {QLatin1String(YesOption),
+         GuardedWrite::tr("Write into the camera without asking before.")},
+        {QLatin1String(AllowEmptyOption),
+         GuardedWrite::tr("Wipe the user list in the camera when the new one is empty.")},
+    };
+}
+
+void cli::checkWriteOptions(const QCommandLineParser& parser, const CommandContext& context)
+{
+    if (!parser.isSet(QLatin1String(YesOption)) && !context.console.canAsk()) {
+        throw UsageError(GuardedWrite::tr(
+            "There is no terminal to ask whether to overwrite the camera's list; use --yes."));
+    }
+    checkBackupFolder(backupFolder());
+}
+
+void cli::noteEntriesBeside(std::span<const BadpixelEntry> entries, int sensorWidth,
+                            Console& console)
+{
+    const auto beside = std::ranges::count_if(entries, [sensorWidth](const BadpixelEntry& entry) {
+        return entry.pixelClass == UserPixel && entry.x == sensorWidth;
+    });
+    if (beside > 0) {
+        console.notice(
+            GuardedWrite::tr(
+                "Note: %1 at x = %2, behind the sensor's last column, as a detection lists them.")
+                .arg(entryCount(static_cast<std::size_t>(beside)))
+                .arg(sensorWidth));
+    }
+}
+
+void cli::writeUserEntries(CameraSession& session, std::span<const BadpixelEntry> entries,
+                           const QCommandLineParser& parser, CommandContext& context,
+                           Report& report)
+{
+    Camera& camera = session.camera();
+    const SensorEntries wanted =
+        userEntriesOf(entries, {camera.imageWidth(), camera.imageHeight()});
+    noteEntriesBeside(entries, camera.imageWidth(), context.console);
+    GuardedWrite guarded(CameraLists(camera), session.description().serNo, backupFolder());
+    guarded.check(wanted.entries);
+    const QString replaced = entryCount(guarded.oldEntries().size());
+    const QString written = entryCount(wanted.entries.size());
+    if (wanted.entries.empty() && !guarded.oldEntries().empty() &&
+        !parser.isSet(QLatin1String(AllowEmptyOption))) {
+        throw CommandError(
+            GuardedWrite::tr("The new list is empty; use --allow-empty to wipe the user list in "
+                             "the camera (%1).")
+                .arg(replaced));
+    }
+    if (!parser.isSet(QLatin1String(YesOption)) &&
+        !context.console.confirm(
+            GuardedWrite::tr("Replace the user list in the camera (%1) by the new one (%2)?")
+                .arg(replaced, written),
+            context.interruption)) {
+        session.checkInterruption();
+        throw CommandError(GuardedWrite::tr("Nothing was written."));
+    }
+    // From here on the end has to wait until the camera holds one of the two lists for certain.
+    session.checkInterruption();
+    const QString backup = [&] {
+        const ProgressBar progress(context.console, GuardedWrite::tr("Writing into the camera"));
+        return guarded.write();
+    }();
+    report.line(GuardedWrite::tr("Written into the camera and read back: %1 of at most %2")
+                    .arg(written)
+                    .arg(guarded.capacity()));
+    report.line(GuardedWrite::tr("The list before (%1) is saved in %2").arg(replaced, backup));
+    report.insert(
+        "written",
+        QJsonObject{{QStringLiteral("entries"), static_cast<qint64>(wanted.entries.size())},
+                    {QStringLiteral("besideSensor"), wanted.beside},
+                    {QStringLiteral("replaced"), static_cast<qint64>(guarded.oldEntries().size())},
+                    {QStringLiteral("backup"), backup}});
 }

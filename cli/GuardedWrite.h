@@ -1,13 +1,22 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
-#include "cli/CameraLists.h"
 #include "hotpixel/BadpixelEntry.h"
+#include "hotpixel/CameraLists.h"
 
+#include <QCommandLineOption>
 #include <QCoreApplication>
+#include <QList>
 #include <QString>
 
 #include <span>
 #include <vector>
+
+class CameraSession;
+class Console;
+class QCommandLineParser;
+class Report;
+struct CommandContext;
 
 /// Replaces the user list in a camera's EEPROM so that no list is lost.
 ///
@@ -25,7 +34,8 @@ public:
     GuardedWrite(CameraLists lists, QString serNo, QString backupFolder);
 
     /// Reads the list that is to be replaced, and finds out whether @p entries fit into the camera.
-    /// @throws cli::CommandError when they don't, or when the camera does not say. Nothing has been
+    /// @throws std::runtime_error when they don't, or when the camera does not say. Nothing has
+    /// been
     ///         changed then.
     void check(std::span<const BadpixelEntry> entries);
 
@@ -54,3 +64,30 @@ private:
     std::vector<BadpixelEntry> m_newEntries;
     std::vector<BadpixelEntry> m_oldEntries;
 };
+
+// What `write` and `detect --write` share: the guarded write with its question, and what is said
+// about it.
+
+namespace cli {
+
+/// --yes and --allow-empty
+QList<QCommandLineOption> writeOptions();
+
+/// Makes sure that the question can be answered and the old list be saved before anything else is
+/// done.
+/// @throws UsageError when it can't be answered, and --yes is missing.
+/// @throws CommandError when there is no place for a backup.
+void checkWriteOptions(const QCommandLineParser& parser, const CommandContext& context);
+
+/// Gives a notice when user entries among @p entries lie at x = @p sensorWidth, where only a
+/// detection finds any. writeUserEntries() does so itself.
+void noteEntriesBeside(std::span<const BadpixelEntry> entries, int sensorWidth, Console& console);
+
+/// Replaces the user list in the open camera by the user entries among @p entries, asks before
+/// unless --yes is given, and reports what was done, to machines as "written". A list is replaced
+/// by an empty one only with --allow-empty.
+/// @throws CommandError when the answer is no, when the entries don't fit, or when writing fails.
+void writeUserEntries(CameraSession& session, std::span<const BadpixelEntry> entries,
+                      const QCommandLineParser& parser, CommandContext& context, Report& report);
+
+} // namespace cli

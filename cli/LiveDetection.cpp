@@ -1,11 +1,13 @@
+// SPDX-License-Identifier: MIT
 #include "cli/LiveDetection.h"
 
 #include "cli/CameraSession.h"
 #include "cli/Command.h"
+#include "cli/Console.h"
 #include "cli/Interruption.h"
-#include "cli/ProgressBar.h"
 #include "detection/DetectionRun.h"
 #include "hotpixel/BadpixelListModel.h"
+#include "hotpixel/ListFull.h"
 
 #include <QEventLoop>
 #include <QTimer>
@@ -17,9 +19,6 @@
 namespace {
 
 constexpr double PatienceFrames = 5; ///< how long the camera may be silent
-
-/// Where the detection run stops counting what a camera can't store.
-constexpr int CountedAtMost = 5000;
 
 std::chrono::milliseconds patience(double framesPerSecond, std::chrono::milliseconds least)
 {
@@ -110,37 +109,35 @@ LiveDetection::Result LiveDetection::takeFrames(DetectionRun& run, int skippedFr
 LiveDetection::Result LiveDetection::evaluate(DetectionRun& run)
 {
     const ProgressBar progress(m_context.console, tr("Looking for hotpixels"));
-    const QString full = BadpixelListModel::tr("Can't add more than %1 hotpixel entries.");
-    const QString cameraFull = full.arg(m_list.maxUserEntries());
-
+    QString cameraFull; ///< what the list says about it, when it is
     Result result;
+    QObject::connect(&run, &DetectionRun::listFull,
+                     [&cameraFull](const QString& text) { cameraFull = text; });
     QObject::connect(&run, &DetectionRun::foundWithoutLimit,
                      [&result](int count) { result.foundWithoutLimit = count; });
     QObject::connect(&run, &DetectionRun::failed, [&](const QString& text) {
-        if (text == cameraFull) {
-            result.outcome = Outcome::TooMany;
-            result.message = tr("%1 The frames hold %2 hotpixels; none was taken over.")
-                                 .arg(text)
-                                 .arg(result.foundWithoutLimit);
-        } else {
+        if (cameraFull.isEmpty()) {
             result.outcome = Outcome::Failed;
             result.message = text;
+        } else {
+            result.outcome = Outcome::TooMany;
+            result.message = tr("%1 The frames hold %2 hotpixels; none was taken over.")
+                                 .arg(cameraFull)
+                                 .arg(result.foundWithoutLimit);
         }
     });
     try {
         run.evaluate(m_session.camera().colorMode());
+    } catch (const ListFull& error) {
+        // Counting them failed, too: the list that counts is full at its own limit.
+        result.outcome = Outcome::TooMany;
+        result.foundWithoutLimit = error.limit();
+        result.message = tr("%1 The frames hold more than %2 hotpixels; none was taken over.")
+                             .arg(cameraFull)
+                             .arg(error.limit());
     } catch (const std::exception& error) {
-        // Counting them failed, too. The list that counts is full at its own limit, but its text
-        // names the limit of a camera that it does not have.
-        result.message = QString::fromUtf8(error.what());
         result.outcome = Outcome::Failed;
-        if (result.message == full.arg(0)) {
-            result.outcome = Outcome::TooMany;
-            result.foundWithoutLimit = CountedAtMost;
-            result.message = tr("%1 The frames hold more than %2 hotpixels; none was taken over.")
-                                 .arg(cameraFull)
-                                 .arg(CountedAtMost);
-        }
+        result.message = QString::fromUtf8(error.what());
     }
     return result;
 }

@@ -1,77 +1,85 @@
-#include "cli/ReadCommand.h"
+// SPDX-License-Identifier: MIT
+// `read`: the factory and the user list in a camera's EEPROM.
 
-#include "cli/CameraLists.h"
 #include "cli/CameraSession.h"
+#include "cli/Command.h"
 #include "cli/Console.h"
 #include "cli/EntryText.h"
-#include "cli/ListOutput.h"
+#include "cli/ListFiles.h"
+#include "hotpixel/CameraLists.h"
 
 #include <QCommandLineParser>
-#include <QJsonDocument>
+#include <QCoreApplication>
 
 namespace {
 
 constexpr auto OutOption = "out";
 
+class ReadCommand
+{
+    Q_DECLARE_TR_FUNCTIONS(ReadCommand)
+
+public:
+    static QList<QCommandLineOption> options(const std::vector<SdkSwitch>& /*switches*/)
+    {
+        return {{QLatin1String(OutOption), tr("Save the user list to the list file FILE."),
+                 QStringLiteral("FILE")}};
+    }
+
+    static void run(const QStringList& values, const QCommandLineParser& parser,
+                    CommandContext& context)
+    {
+        const QString fileName = parser.value(QLatin1String(OutOption));
+        const bool save = parser.isSet(QLatin1String(OutOption));
+        if (save) {
+            cli::checkOutputFile(fileName);
+        }
+
+        CameraSession session(context, values.front());
+        const CameraLists lists(session.camera());
+        const int capacity = lists.maxUserEntries();
+        const std::vector<BadpixelEntry> factory = lists.factoryEntries();
+        const std::vector<BadpixelEntry> user = lists.userEntries();
+        if (save) {
+            cli::saveOutputFile(fileName, user);
+        }
+
+        Report report(context.console, context.json);
+        const auto list = [&report](const char* key, const QString& title,
+                                    const std::vector<BadpixelEntry>& entries) {
+            report.insert(key, cli::entryArray(entries));
+            report.line(title);
+            if (!entries.empty()) {
+                report.line(cli::entryColumns(entries));
+            }
+        };
+        report.insert("camera", cli::cameraObject(session.description()));
+        report.insert("capacity", capacity);
+        report.line(cli::cameraText(session.description()));
+        list("factory", tr("Factory list: %1").arg(cli::entryCount(factory.size())), factory);
+        list("user",
+             tr("User list: %1, at most %2").arg(cli::entryCount(user.size())).arg(capacity), user);
+        if (save) {
+            report.insert("saved", fileName);
+            report.line(tr("User list saved to %1").arg(fileName));
+        }
+    }
+};
+
 } // namespace
 
-QString ReadCommand::summary() const
+namespace cli::commands {
+
+Command read()
 {
-    return tr("Read the hotpixel lists from a camera.");
+    return {.name = QStringLiteral("read"),
+            .arguments = {QStringLiteral("CAMERA")},
+            .summary = ReadCommand::tr("Read the hotpixel lists from a camera."),
+            .description = ReadCommand::tr(
+                "Reads the factory list and the user list from the EEPROM of CAMERA, which is a\n"
+                "Dev number or a serial number."),
+            .options = ReadCommand::options,
+            .run = ReadCommand::run};
 }
 
-QString ReadCommand::description() const
-{
-    return tr("Reads the factory list and the user list from the EEPROM of CAMERA, which is a Dev "
-              "number or a serial number.");
-}
-
-QList<QCommandLineOption> ReadCommand::options(const std::vector<SdkSwitch>& /*switches*/) const
-{
-    return {{QLatin1String(OutOption), tr("Save the user list to the list file FILE."),
-             QStringLiteral("FILE")}};
-}
-
-void ReadCommand::run(const QStringList& values, const QCommandLineParser& parser,
-                      CommandContext& context) const
-{
-    const QString fileName = parser.value(QLatin1String(OutOption));
-    const bool save = parser.isSet(QLatin1String(OutOption));
-    if (save) {
-        cli::checkOutputFile(fileName);
-    }
-
-    CameraSession session(context, values.front());
-    const CameraLists lists(context.sdk, session.camera().handle());
-    const int capacity = lists.maxUserEntries();
-    const std::vector<BadpixelEntry> factory = lists.factoryEntries();
-    const std::vector<BadpixelEntry> user = lists.userEntries();
-    if (save) {
-        cli::saveOutputFile(fileName, user);
-    }
-
-    if (context.json) {
-        QJsonObject result{{QStringLiteral("camera"), session.description().toJson()},
-                           {QStringLiteral("capacity"), capacity},
-                           {QStringLiteral("factory"), cli::entryArray(factory)},
-                           {QStringLiteral("user"), cli::entryArray(user)}};
-        if (save) {
-            result.insert(QStringLiteral("saved"), fileName);
-        }
-        context.console.result(
-            QString::fromUtf8(QJsonDocument(result).toJson(QJsonDocument::Compact)));
-        return;
-    }
-    const auto print = [&context](const QString& title, const std::vector<BadpixelEntry>& list) {
-        context.console.result(title);
-        if (!list.empty()) {
-            context.console.result(cli::entryColumns(list));
-        }
-    };
-    context.console.result(session.description().description());
-    print(tr("Factory list: %1").arg(cli::entryCount(factory.size())), factory);
-    print(tr("User list: %1, at most %2").arg(cli::entryCount(user.size())).arg(capacity), user);
-    if (save) {
-        context.console.result(tr("User list saved to %1").arg(fileName));
-    }
-}
+} // namespace cli::commands

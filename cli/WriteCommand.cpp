@@ -1,47 +1,59 @@
-#include "cli/WriteCommand.h"
+// SPDX-License-Identifier: MIT
+// `write`: the user entries of a list file into a camera's EEPROM, guarded.
 
 #include "cli/CameraSession.h"
+#include "cli/Command.h"
 #include "cli/Console.h"
-#include "cli/UserListFile.h"
-#include "cli/WriteStep.h"
+#include "cli/GuardedWrite.h"
+#include "cli/ListFiles.h"
 
-#include <QJsonDocument>
+#include <QCoreApplication>
 
-QString WriteCommand::summary() const
+namespace {
+
+class WriteCommand
 {
-    return tr("Write a list file into a camera.");
-}
+    Q_DECLARE_TR_FUNCTIONS(WriteCommand)
 
-QString WriteCommand::description() const
-{
-    return tr("Replaces the user list in the EEPROM of CAMERA (a Dev number or a serial number) by "
-              "the entries of the list file FILE, whose lines are x, y and the class 1.\n\n"
-              "A list that does not fit is refused. The list that the camera holds is saved to a "
-              "dated file before. The new one is read back and compared, and where they differ the "
-              "old one is put back.");
-}
-
-QList<QCommandLineOption> WriteCommand::options(const std::vector<SdkSwitch>& /*switches*/) const
-{
-    return {cli::yesOption()};
-}
-
-void WriteCommand::run(const QStringList& values, const QCommandLineParser& parser,
-                       CommandContext& context) const
-{
-    cli::checkWriteOptions(parser, context);
-    const std::vector<BadpixelEntry> entries = cli::readUserListFile(values[1]);
-
-    CameraSession session(context, values[0]);
-    if (!context.json) {
-        context.console.result(session.description().description());
+public:
+    static QList<QCommandLineOption> options(const std::vector<SdkSwitch>& /*switches*/)
+    {
+        return cli::writeOptions();
     }
-    const QJsonObject written = cli::writeUserEntries(session, entries, parser, context);
-    if (context.json) {
-        const QJsonObject result{{QStringLiteral("camera"), session.description().toJson()},
-                                 {QStringLiteral("file"), values[1]},
-                                 {QStringLiteral("written"), written}};
-        context.console.result(
-            QString::fromUtf8(QJsonDocument(result).toJson(QJsonDocument::Compact)));
+
+    static void run(const QStringList& values, const QCommandLineParser& parser,
+                    CommandContext& context)
+    {
+        cli::checkWriteOptions(parser, context);
+        const std::vector<BadpixelEntry> entries = cli::readUserListFile(values[1]);
+
+        CameraSession session(context, values[0]);
+        Report report(context.console, context.json);
+        report.line(cli::cameraText(session.description()));
+        cli::writeUserEntries(session, entries, parser, context, report);
+        report.insert("camera", cli::cameraObject(session.description()));
+        report.insert("file", values[1]);
     }
+};
+
+} // namespace
+
+namespace cli::commands {
+
+Command write()
+{
+    return {.name = QStringLiteral("write"),
+            .arguments = {QStringLiteral("CAMERA"), QStringLiteral("FILE")},
+            .summary = WriteCommand::tr("Write a list file into a camera."),
+            .description = WriteCommand::tr(
+                "Replaces the user list in the EEPROM of CAMERA (a Dev number or a serial\n"
+                "number) by the entries of the list file FILE, whose lines are x, y and the\n"
+                "class 1.\n\n"
+                "A list that does not fit is refused. The list that the camera holds is saved\n"
+                "to a dated file before. The new one is read back and compared, and where they\n"
+                "differ the old one is put back."),
+            .options = WriteCommand::options,
+            .run = WriteCommand::run};
 }
+
+} // namespace cli::commands

@@ -1,8 +1,10 @@
+// SPDX-License-Identifier: MIT
 #include "camera/CameraSdk.h"
 #include "camera/SdkExtras.h"
 #include "cli/Companion.h"
 #include "cli/Console.h"
 #include "cli/Interruption.h"
+#include "support/Utf8Locale.h"
 
 #include <QCoreApplication>
 
@@ -34,6 +36,7 @@ int main(int argc, char** argv)
 #ifdef Q_OS_WIN
     const Utf8Output utf8;
 #endif
+    support::chooseUtf8Locale();
     const QCoreApplication application(argc, argv);
     QCoreApplication::setApplicationVersion(QStringLiteral(VORN_VERSION));
     Interruption interruption;

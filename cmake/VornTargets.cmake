@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The four kinds of target that the project has. Everything a folder's CMakeLists.txt does not say
 # about its target is said here, once.
 
@@ -34,6 +35,8 @@ if(PROJECT_IS_TOP_LEVEL)
                 -Wundef
                 -Wextra-semi
                 -Wimplicit-fallthrough
+                $<$<CXX_COMPILER_ID:Clang>:-Wthread-safety>
+                $<$<CXX_COMPILER_ID:Clang>:-Werror=thread-safety>
                 $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond>
                 $<$<CXX_COMPILER_ID:GNU>:-Wlogical-op>
                 $<$<BOOL:${VORN_WARNINGS_AS_ERRORS}>:-Werror>)
@@ -46,7 +49,10 @@ if(VORN_SANITIZE)
   target_link_options(vorn_sanitizers INTERFACE -fsanitize=${VORN_SANITIZE})
 endif()
 
-function(_vorn_target_defaults target)
+# vorn_target_defaults(TARGET)
+#
+# What every target of this project has in common, for those that are none of the kinds below.
+function(vorn_target_defaults target)
   set_target_properties(
     ${target}
     PROPERTIES AUTOMOC ON
@@ -69,13 +75,14 @@ endfunction()
 # vorn_library(FOLDER SOURCES file... [PUBLIC target...] [PRIVATE target...])
 #
 # The static library vorn_FOLDER with the alias Vorn::FOLDER; an interface library when it has no
-# sources. Whoever links it includes its headers as "FOLDER/Name.h".
+# sources. Whoever links it includes its headers as "FOLDER/Name.h". What needs widgets in a folder that
+# does without them otherwise is a library of its own, FOLDER_ui.
 function(vorn_library folder)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;PUBLIC;PRIVATE")
   set(target vorn_${folder})
   if(arg_SOURCES)
     add_library(${target} STATIC ${arg_SOURCES})
-    _vorn_target_defaults(${target})
+    vorn_target_defaults(${target})
     target_include_directories(${target} PUBLIC "${VORN_ROOT}")
     target_compile_features(${target} PUBLIC cxx_std_20)
     target_link_libraries(${target} PUBLIC ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
@@ -94,7 +101,7 @@ endfunction()
 function(vorn_executable name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "WINDOWED" "" "SOURCES;LINK")
   add_executable(${name} ${arg_SOURCES})
-  _vorn_target_defaults(${name})
+  vorn_target_defaults(${name})
   target_link_libraries(${name} PRIVATE ${arg_LINK})
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY "${PROJECT_BINARY_DIR}/bin")
   if(arg_WINDOWED)
@@ -108,14 +115,14 @@ endfunction()
 # vorn_test(NAME SOURCES file... LINK target... [LABELS label...] [RESOURCE_LOCK name] [LONG])
 #
 # One GoogleTest program NAME, each of its tests a test of CTest with the label NAME. They run on
-# the offscreen platform with an empty home of their own (tests/support/main.cpp).
+# the offscreen platform with an empty home of their own (tests/support/TestMain.cpp).
 #
 # LONG: those of its tests whose names begin with "Long/" are one test of CTest, NAME_long, that only
 # ctest -C Long runs.
 function(vorn_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "LONG" "RESOURCE_LOCK" "SOURCES;LINK;LABELS")
   add_executable(${name} ${arg_SOURCES})
-  _vorn_target_defaults(${name})
+  vorn_target_defaults(${name})
   target_link_libraries(${name} PRIVATE ${arg_LINK} vorn_test_support)
   set(properties LABELS "${name};${arg_LABELS}" TIMEOUT 300)
   if(arg_RESOURCE_LOCK)

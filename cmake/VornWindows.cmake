@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # What makes a program of this project a Windows program.
 
 # _vorn_windows_search_path(TARGET): the libraries that the program imports are looked for beside

@@ -1,4 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "detection/BadpixelDetector.h"
+
+#include "detection/FrameMeans.h"
 
 #include <QImage>
 #include <QSize>
@@ -6,89 +9,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <span>
-#include <type_traits>
-#include <vector>
-
-namespace {
-
-/// Up to so many bytes have a sum of 16 bits.
-constexpr qsizetype MaxFramesOf16BitSums = 257;
-
-/// Calls @p visitor for each element of @p run and every @p step-th byte from @p pixel on.
-template <typename Sum, typename Visitor, typename Step>
-void visitRun(std::span<Sum> run, const uchar* pixel, Step step, Visitor visitor)
-{
-    for (Sum& element : run) {
-        visitor(element, pixel);
-        pixel += step;
-    }
-}
-
-} // namespace
-
-/// The average of one plane, line by line of its walk. All passes are done over one line, while it
-/// is in the cache, before the next line.
-class BadpixelDetector::PlaneAverage
-{
-public:
-    PlaneAverage(FrameMatrix& means, const QVector<QImage>& frames, const SamplingPattern& pattern)
-        : m_means(means)
-        , m_frames(frames)
-        , m_walk(&frames.first(), &pattern, &m_copy)
-        , m_divide(static_cast<unsigned>(frames.size()))
-    {}
-    PlaneAverage(const PlaneAverage&) = delete;
-    PlaneAverage& operator=(const PlaneAverage&) = delete;
-
-    [[nodiscard]] bool isComplete() const { return m_done == m_means.size(); }
-
-    /// @param sums room for a line.
-    template <typename Sum>
-    void averageLine(std::vector<Sum>& sums)
-    {
-        const std::span<quint8> means = m_means.run(m_done, m_walk.stepsOnLine());
-        const std::span<Sum> run = std::span(sums).first(means.size());
-        visit(run, m_frames.first(), m_copy);
-        for (qsizetype i = 1; i < m_frames.size(); ++i) {
-            visit(run, m_frames[i], m_sum);
-        }
-        for (Sum& element : run) {
-            m_divide(element);
-        }
-        std::transform(run.begin(), run.end(), means.begin(),
-                       [](Sum mean) { return static_cast<quint8>(mean); });
-        m_walk.advance(run.size());
-        m_done += run.size();
-    }
-
-private:
-    template <typename Sum, typename Visitor>
-    void visit(std::span<Sum> run, const QImage& frame, Visitor visitor) const
-    {
-        // All frames have one size, so the walk through the first serves the others. Steps that
-        // are constants make vector code.
-        const uchar* pixel = frame.constBits() + m_walk.byteIndex();
-        switch (m_walk.pattern->stepX) {
-        case 1:
-            visitRun(run, pixel, std::integral_constant<int, 1>(), visitor);
-            break;
-        case 2:
-            visitRun(run, pixel, std::integral_constant<int, 2>(), visitor);
-            break;
-        default:
-            visitRun(run, pixel, int{m_walk.pattern->stepX}, visitor);
-            break;
-        }
-    }
-
-    FrameMatrix& m_means;
-    const QVector<QImage>& m_frames;
-    CopyIterator m_copy;
-    SumIterator m_sum;
-    ImageValueIterator m_walk;
-    DivIterator m_divide;
-    std::size_t m_done = 0;
-};
+#include <utility>
 
 BadpixelDetector::ErrColorMode::ErrColorMode()
     : std::runtime_error(
@@ -191,18 +112,23 @@ void BadpixelDetector::makeMatrices()
     }
     const auto width = static_cast<unsigned>(std::abs(first.width()));
     const auto height = static_cast<unsigned>(std::abs(first.height()));
+    m_planes.clear();
     switch (m_colorMode) {
     case Mono8:
-        m_matrix = std::make_unique<FrameMatrix>(height, width);
+        m_planes.push_back({m_patterns[0], std::size_t{width} * height});
+        m_means = std::make_unique<Matrix<quint8>>(height, width);
         break;
     case RawBayer8:
-        for (std::unique_ptr<FrameMatrix>& plane : m_bayerMatrix) {
-            plane = std::make_unique<FrameMatrix>(height >> 1U, width >> 1U);
+        for (std::size_t plane = 1; plane < m_patterns.size(); ++plane) {
+            m_planes.push_back({m_patterns[plane], std::size_t{width >> 1U} * (height >> 1U)});
         }
+        // Without a line or a column of any site there is no plane.
+        m_means = std::make_unique<Matrix<quint8>>(height < 2 ? 0 : height, width < 2 ? 0 : width);
         break;
     default:
         throw ErrColorMode();
     }
+    m_greatestMeans.assign(height, 0);
 }
 
 void BadpixelDetector::checkFrames() const
@@ -224,34 +150,36 @@ void BadpixelDetector::checkFrames() const
 
 void BadpixelDetector::average()
 {
-    std::deque<PlaneAverage> planes;
-    if (m_colorMode == Mono8) {
-        planes.emplace_back(*m_matrix, *m_images, m_patterns[0]);
-    } else {
-        for (std::size_t plane = 0; plane < m_bayerMatrix.size(); ++plane) {
-            planes.emplace_back(*m_bayerMatrix[plane], *m_images, m_patterns[plane + 1]);
-        }
+    std::vector<const quint8*> bytes;
+    bytes.reserve(static_cast<std::size_t>(m_images->size()));
+    for (const QImage& image : *m_images) {
+        bytes.push_back(image.constBits());
     }
-    if (m_images->size() <= MaxFramesOf16BitSums) {
-        averageAs<quint16>(planes);
-    } else {
-        averageAs<unsigned int>(planes);
+    const detection::FrameMeans frameMeans(std::move(bytes));
+    const auto width = static_cast<std::size_t>(m_images->first().width());
+    std::vector<detection::LineOfMeans> lines(m_greatestMeans.size());
+    const std::span<quint8> means = m_means->run(0, m_means->size());
+    for (std::size_t y = 0; y < lines.size(); ++y) {
+        lines[y] = frameMeans.line(y * width, width, means.data() + y * width);
+        m_greatestMeans[y] = lines[y].greatest;
     }
-}
 
-template <typename Sum>
-void BadpixelDetector::averageAs(std::deque<PlaneAverage>& planes) const
-{
-    std::vector<Sum> sums(static_cast<std::size_t>(m_images->first().width()) + 1);
-    bool isComplete = false;
-    while (!isComplete) {
-        isComplete = true;
-        // A line of each plane in turn, since two planes read the same lines of the frames.
-        for (PlaneAverage& plane : planes) {
-            if (!plane.isComplete()) {
-                plane.averageLine(sums);
-                isComplete = false;
-            }
+    for (Plane& plane : m_planes) {
+        const SamplingPattern& pattern = plane.pattern;
+        const bool goesPastTheLine = (width - pattern.startX) % pattern.stepX == 0;
+        ImagePosIterator walk(&m_images->first(), &pattern, nullptr);
+        std::size_t left = plane.size;
+        for (; left >= walk.stepsOnLine(); walk.advance(walk.stepsOnLine())) {
+            left -= walk.stepsOnLine();
+            const auto y = static_cast<std::size_t>(walk.y);
+            plane.sum += pattern.stepX == 1    ? lines[y].evenSum + lines[y].oddSum
+                         : pattern.startX == 0 ? lines[y].evenSum
+                                               : lines[y].oddSum;
+            plane.sum += goesPastTheLine ? means[(y + 1) * width] : 0U;
+        }
+        for (; left > 0; --left) { // the last line has fewer
+            plane.sum += means[static_cast<std::size_t>(walk.byteIndex())];
+            walk.advance();
         }
     }
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "detection/Matrix.h"
@@ -8,9 +9,9 @@
 
 #include <array>
 #include <cstddef>
-#include <deque>
 #include <memory>
 #include <stdexcept>
+#include <vector>
 
 class BadpixelListModel;
 class QImage;
@@ -19,9 +20,9 @@ class QImage;
 ///
 /// In the monochrome mode all pixels make one matrix; in the raw Bayer mode each of the four colour
 /// sites of the mosaic makes a plane of its own. What is done to a pixel is said by the visitors
-/// below, one kind for each pass. Their virtual call operators work on one element at a time; a
-/// detection calls the same visitors without that, for the elements of a whole line of the walk,
-/// so that the compiler makes vector code of them. GUI thread.
+/// below, one kind for each pass, element by element. A detection does what they say in one pass
+/// over the bytes of the frames: elements are paired with bytes, and the mean of a byte is the same
+/// for all elements that it is paired with. GUI thread.
 class BadpixelDetector : public QObject
 {
     Q_OBJECT
@@ -70,8 +71,7 @@ public:
     ///
     /// The pixel at (x, y) is byte y * width + x of the image, as if its lines had no padding. And
     /// a line is left only when x is greater than the width, so x == width is visited, which is
-    /// the first pixel of the next line. Both are deliberate: the elements from the second line on
-    /// are shifted against the image, and the averaging and the reporting pass have to agree on it.
+    /// the first pixel of the next line (behaviour.md: walk-past-the-line).
     class ImageIterator : public Matrix<unsigned int>::Iterator
     {
     public:
@@ -124,7 +124,6 @@ public:
         {
             element = *pixel;
         }
-        void operator()(quint16& element, const unsigned char* pixel) const { element = *pixel; }
     };
 
     /// Adds the pixel's value to the element.
@@ -135,10 +134,6 @@ public:
         {
             element += *pixel;
         }
-        void operator()(quint16& element, const unsigned char* pixel) const
-        {
-            element = static_cast<quint16>(element + *pixel);
-        }
     };
 
     /// Divides the element, truncating.
@@ -147,23 +142,10 @@ public:
     public:
         explicit DivIterator(unsigned int divisorOfAll)
             : divisor(divisorOfAll)
-            , m_reciprocal(1.0F / static_cast<float>(divisorOfAll))
         {}
         void operator()(unsigned int& element) override { element /= divisor; }
 
-        /// The same for a sum of @c divisor bytes that fits 16 bits, as a multiplication, which
-        /// vectorises. It is exact: (element + 1/2) / divisor is at least 1 / (2 · 257) away from
-        /// the next integer, and rounding moves it by less than 2⁻¹⁴.
-        void operator()(quint16& element) const
-        {
-            element = static_cast<quint16>(
-                static_cast<int>((static_cast<float>(element) + 0.5F) * m_reciprocal));
-        }
-
         unsigned int divisor;
-
-    private:
-        float m_reciprocal;
     };
 
     /// For frames of the raw Bayer mode, until setImages() says otherwise.
@@ -191,26 +173,27 @@ signals:
     void detectionFinished();
 
 protected:
-    /// Holds means. Those of bytes are bytes; their sums, which are not, are kept only for the line
-    /// that is being averaged.
-    using FrameMatrix = Matrix<quint8>;
+    /// A plane of the frames: which bytes it is made of, and what their means sum up to.
+    struct Plane
+    {
+        SamplingPattern pattern;
+        std::size_t size = 0; ///< elements, of a matrix with a row for each line of the mosaic
+        unsigned int sum = 0; ///< of its elements, wrapping
+    };
 
-    /// Averages the frames into the matrices that the colour mode asks for; emits
+    /// Averages the frames and sums the planes that the colour mode asks for; emits
     /// detectionFinished() before an exception leaves it.
     void accumulate();
 
     int m_colorMode = RawBayer8;
     const QVector<QImage>* m_images = nullptr;
-    std::unique_ptr<FrameMatrix> m_matrix;                     ///< of the monochrome mode
-    std::array<std::unique_ptr<FrameMatrix>, 4> m_bayerMatrix; ///< of patterns 1 to 4
+    std::unique_ptr<Matrix<quint8>> m_means; ///< of all bytes of the frames, in their order
+    std::vector<quint8> m_greatestMeans;     ///< of each line
+    std::vector<Plane> m_planes;
     const std::array<SamplingPattern, 5> m_patterns;
 
 private:
-    class PlaneAverage;
-
     void makeMatrices();
     void checkFrames() const;
     void average();
-    template <typename Sum>
-    void averageAs(std::deque<PlaneAverage>& planes) const;
 };

@@ -1,13 +1,13 @@
+// SPDX-License-Identifier: MIT
 #include "detection/DetectionDialogue.h"
 
 #include "camera/CameraParameter.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
+#include <QEvent>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QKeyEvent>
-#include <QKeySequence>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
@@ -76,6 +76,7 @@ void DetectionDialogue::addProgress(QVBoxLayout* layout)
     m_progressBar->setObjectName("progressBar");
     m_countLabel->setObjectName("countLabel");
     m_messageLabel->setObjectName("messageLabel");
+    m_messageLabel->setWordWrap(true);
     showCount();
 
     auto* box = new QGroupBox(tr("Detection"));
@@ -90,6 +91,23 @@ void DetectionDialogue::addProgress(QVBoxLayout* layout)
 void DetectionDialogue::setMessage(const QString& text)
 {
     m_messageLabel->setText(text);
+}
+
+void DetectionDialogue::growToMessage()
+{
+    // A window's least height is that of a label of one line, whatever the text needs.
+    if (const int needed = layout()->totalHeightForWidth(width()); height() < needed) {
+        resize(width(), needed);
+    }
+}
+
+bool DetectionDialogue::event(QEvent* event)
+{
+    const bool handled = QDialog::event(event);
+    if (event->type() == QEvent::LayoutRequest || event->type() == QEvent::Resize) {
+        growToMessage();
+    }
+    return handled;
 }
 
 void DetectionDialogue::updateProgress(int percent)
@@ -115,13 +133,14 @@ void DetectionDialogue::addDetectedPixel(int count)
     showCount();
 }
 
-void DetectionDialogue::keyPressEvent(QKeyEvent* event)
+void DetectionDialogue::reject()
 {
-    // The title bar has no close button during a run, so Escape must not be one.
-    if (m_running && event->matches(QKeySequence::Cancel)) {
-        return;
+    // Hidden, the dialogue would leave a run behind that nobody sees.
+    if (m_running) {
+        emit stopDetect();
+    } else {
+        QDialog::reject();
     }
-    QDialog::keyPressEvent(event);
 }
 
 void DetectionDialogue::detect()

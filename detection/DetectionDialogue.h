@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "widgets/ParameterWidget.h"
@@ -9,15 +10,17 @@
 
 class QCheckBox;
 class QDialogButtonBox;
-class QKeyEvent;
+class QEvent;
 class QLabel;
 class QProgressBar;
 class QVBoxLayout;
 
 /// Asks for the settings of a detection run, and shows its progress and its result.
 ///
-/// From Start to finishDetect() or abortDetect() a run lasts: the controls are disabled, the title
-/// bar has no close button and Escape does nothing. GUI thread.
+/// From Start to finishDetect() or abortDetect() a run lasts: the controls are disabled and the
+/// title bar has no close button. Escape then asks for the run to be stopped, and so does closing
+/// by a window manager that offers it all the same; without a run both close the dialogue. GUI
+/// thread.
 class DetectionDialogue : public QDialog
 {
     Q_OBJECT
@@ -26,8 +29,12 @@ public:
     explicit DetectionDialogue(QWidget* parent);
     ~DetectionDialogue() override;
 
-    /// The error line of a failed run; the next start empties it.
+    /// The line that says why a run failed or was stopped; the next start empties it. A text that
+    /// is longer than a line makes the dialogue higher, never wider.
     void setMessage(const QString& text);
+
+    /// Whether a run lasts.
+    [[nodiscard]] bool isRunning() const { return m_running; }
 
     [[nodiscard]] ParameterWidget* thresholdWidget() const { return m_thresholdWidget.get(); }
     [[nodiscard]] QCheckBox* clearBox() const { return m_clearBox; }
@@ -40,6 +47,9 @@ public:
 signals:
     /// The user wants a run. @param clear remove the user entries first. @param threshold 5 … 255
     void startDetect(bool clear, int threshold);
+
+    /// The user wants the run that lasts to be stopped. The dialogue waits for abortDetect().
+    void stopDetect();
 
 public slots:
     /// @param percent 0 … 100
@@ -54,8 +64,11 @@ public slots:
     /// Adds to the count of the current run.
     void addDetectedPixel(int count);
 
+    /// What Escape and the title bar do: stopDetect() during a run, closes otherwise.
+    void reject() override;
+
 protected:
-    void keyPressEvent(QKeyEvent* event) override;
+    bool event(QEvent* event) override;
 
 private slots:
     void detect();
@@ -65,6 +78,7 @@ private:
     void addProgress(QVBoxLayout* layout);
     void setRunning(bool running);
     void showCount();
+    void growToMessage();
 
     std::unique_ptr<ParameterWidget> m_thresholdWidget;
     QCheckBox* m_clearBox;

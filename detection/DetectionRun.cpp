@@ -1,7 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include "detection/DetectionRun.h"
 
 #include "detection/HotpixelDetector.h"
 #include "hotpixel/BadpixelListModel.h"
+#include "hotpixel/ListFull.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -90,6 +92,9 @@ void DetectionRun::evaluate(int colorMode)
             detector.setImages(colorMode, &m_frames);
             mergeHotpixels(detector);
         } catch (const std::exception& e) {
+            if (dynamic_cast<const ListFull*>(&e) != nullptr) {
+                emit listFull(QString::fromUtf8(e.what()));
+            }
             BadpixelListModel unlimited;
             unlimited.setLimitByCamera(false);
             detector.detect(&unlimited);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <QImage>
@@ -73,6 +74,11 @@ signals:
 
     /// The detector has finished; after a failure it runs, and finishes, once more.
     void detectionFinished();
+
+    /// The evaluation fails because the camera can't store what was found; comes before
+    /// foundWithoutLimit() and failed(), also where counting fails and they don't come.
+    /// @param text what failed() says
+    void listFull(const QString& text);
 
     /// How many hotpixels the frames hold, none of which was taken over.
     void foundWithoutLimit(int count);

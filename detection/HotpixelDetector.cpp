@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "detection/HotpixelDetector.h"
 
 #include "hotpixel/BadpixelListModel.h"
@@ -6,31 +7,22 @@
 #include <QPoint>
 
 #include <algorithm>
-#include <array>
-#include <memory>
+#include <cstddef>
 #include <span>
 
 namespace {
 
 /// How many elements are looked at together for one above the limit.
-constexpr std::size_t ReportRun = 128;
+constexpr std::size_t Run = 128;
 
-template <typename T>
-T& instanced(const std::unique_ptr<T>& matrix)
+/// Of the bytes, those of another plane between them included.
+quint8 greatest(std::span<const quint8> bytes)
 {
-    if (!matrix) {
-        throw std::runtime_error(BadpixelDetector::tr("Not instanced.").toStdString());
+    quint8 found = 0;
+    for (const quint8 byte : bytes) {
+        found = std::max(found, byte);
     }
-    return *matrix;
-}
-
-quint8 brightest(std::span<const quint8> run)
-{
-    quint8 greatest = 0;
-    for (const quint8 element : run) {
-        greatest = std::max(greatest, element);
-    }
-    return greatest;
+    return found;
 }
 
 } // namespace
@@ -49,53 +41,40 @@ HotpixelDetector::HotpixelDetector(int threshold)
 void HotpixelDetector::detect(BadpixelListModel* model)
 {
     accumulate();
-    switch (m_colorMode) {
-    case Mono8: {
-        FrameMatrix& matrix = instanced(m_matrix);
-        report(matrix, m_patterns[0], limitOf(matrix), model);
-        break;
+    if (!m_means) {
+        throw std::runtime_error(tr("Not instanced.").toStdString());
     }
-    case RawBayer8: {
-        std::array<unsigned int, 4> limits{};
-        for (std::size_t plane = 0; plane < limits.size(); ++plane) {
-            limits[plane] = limitOf(instanced(m_bayerMatrix[plane]));
-        }
-        for (std::size_t plane = 0; plane < limits.size(); ++plane) {
-            report(*m_bayerMatrix[plane], m_patterns[plane + 1], limits[plane], model);
-        }
-        break;
-    }
-    default:
-        throw ErrColorMode();
+    for (const Plane& plane : m_planes) {
+        report(plane, model);
     }
     emit detectionFinished();
 }
 
-unsigned int HotpixelDetector::limitOf(FrameMatrix& matrix) const
+void HotpixelDetector::report(const Plane& plane, BadpixelListModel* model) const
 {
-    MeanIterator mean;
-    for (unsigned int element : matrix.run(0, matrix.size())) {
-        mean(element);
-    }
-    return mean.sum / mean.count + static_cast<unsigned int>(m_threshold);
-}
-
-void HotpixelDetector::report(FrameMatrix& matrix, const SamplingPattern& pattern,
-                              unsigned int limit, BadpixelListModel* model) const
-{
+    const unsigned int limit =
+        plane.sum / static_cast<unsigned int>(plane.size) + static_cast<unsigned int>(m_threshold);
     AddHotpixelIterator add(model, limit);
-    ImagePosIterator walk(&m_images->first(), &pattern, &add);
-    std::size_t done = 0;
-    while (done < matrix.size()) {
-        const std::span<quint8> run = matrix.run(done, std::min(walk.stepsOnLine(), ReportRun));
-        // Most runs have no hot pixel, and finding that out is vector code.
-        if (brightest(run) > limit) {
-            for (unsigned int element : run) {
-                walk(element);
+    const std::span<const quint8> means = m_means->run(0, m_means->size());
+    const QImage& image = m_images->first();
+    ImagePosIterator walk(&image, &plane.pattern, &add);
+    std::size_t left = plane.size;
+    while (left > 0) {
+        const auto y = static_cast<std::size_t>(walk.y);
+        // The walk may end a line with the first pixel of the next.
+        const quint8 nextGreatest = y + 1 < m_greatestMeans.size() ? m_greatestMeans[y + 1] : 0;
+        const bool nothingOnLine = std::max(m_greatestMeans[y], nextGreatest) <= limit;
+        const std::size_t steps =
+            std::min(nothingOnLine ? walk.stepsOnLine() : std::min(walk.stepsOnLine(), Run), left);
+        const auto begin = static_cast<std::size_t>(walk.byteIndex());
+        const std::size_t step = plane.pattern.stepX;
+        if (!nothingOnLine && greatest(means.subspan(begin, (steps - 1) * step + 1)) > limit) {
+            for (std::size_t i = 0; i < steps; ++i) {
+                unsigned int element = means[begin + i * step];
+                add(element, walk.x + static_cast<int>(i * step), walk.y);
             }
-        } else {
-            walk.advance(run.size());
         }
-        done += run.size();
+        walk.advance(steps);
+        left -= steps;
     }
 }

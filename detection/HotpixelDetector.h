@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "detection/BadpixelDetector.h"
@@ -41,9 +42,7 @@ public:
     void detect(BadpixelListModel* model) override;
 
 private:
-    [[nodiscard]] unsigned int limitOf(FrameMatrix& matrix) const;
-    void report(FrameMatrix& matrix, const SamplingPattern& pattern, unsigned int limit,
-                BadpixelListModel* model) const;
+    void report(const Plane& plane, BadpixelListModel* model) const;
 
     int m_threshold;
 };

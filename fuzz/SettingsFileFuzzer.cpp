@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "fuzz/FuzzedFile.h"
 #include "simulator/BusDescription.h"
 

@@ -1,5 +1,6 @@
-#include "cli/CommandError.h"
-#include "cli/UserListFile.h"
+// SPDX-License-Identifier: MIT
+#include "cli/Command.h"
+#include "cli/ListFiles.h"
 #include "fuzz/FuzzedFile.h"
 #include "hotpixel/BadpixelListFile.h"
 

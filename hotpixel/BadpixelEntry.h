@@ -1,9 +1,10 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <cstdint>
 
-/// The class value of a hotpixel entry. The table shows other words for them, on purpose:
-/// BadpixelListModel::data().
+/// The class value of a hotpixel entry. The table shows other words for them (behaviour.md:
+/// class-words): BadpixelListModel::data().
 enum Pixelclass : std::uint8_t {
     FactoryPixel = 0, ///< from the camera's factory list
     UserPixel = 1,    ///< the only class that is written to the camera and to the list file

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "hotpixel/BadpixelEntry.h"
@@ -17,7 +18,8 @@
 /// without digits, but not behind 0b without one, nor behind a 0 before a digit that is octal and
 /// not ASCII.
 ///
-/// The text may come in pieces that end anywhere; nothing is kept of a line but its three numbers.
+/// The text may come in pieces that end anywhere; nothing is kept of a line but its three numbers,
+/// while a text stream would hold the whole of it, however long it is.
 class BadpixelLineReader
 {
 public:

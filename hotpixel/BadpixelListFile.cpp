@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListFile.h"
 
 #include "hotpixel/BadpixelLineReader.h"
@@ -38,25 +39,6 @@ char* appendNumber(char* position, std::uint16_t number)
     return std::to_chars(position, position + MaxDigits, number).ptr;
 }
 
-/// What the file of @p entries holds, with the line ends of the platform.
-QByteArray contentFor(std::span<const BadpixelEntry> entries)
-{
-    QByteArray content;
-    QBuffer buffer(&content);
-    buffer.open(QIODevice::WriteOnly | QIODevice::Text);
-    std::array<char, sizeof "65535 65535 1\n"> line{};
-    for (const BadpixelEntry& entry : entries) {
-        if (entry.pixelClass != UserPixel) {
-            continue;
-        }
-        char* end = appendNumber(line.data(), entry.x);
-        *end++ = ' ';
-        end = std::copy_n(" 1\n", 3, appendNumber(end, entry.y));
-        buffer.write(line.data(), end - line.data());
-    }
-    return content;
-}
-
 bool writeAll(QFileDevice& file, const QByteArray& content)
 {
     return file.write(content) == content.size() && file.flush();
@@ -74,8 +56,8 @@ void writeDevice(const QString& filename, const QByteArray& content)
     }
 }
 
-/// For a file in a folder that takes no other one. What makes it longer is written first: only that
-/// needs room on the disk, and it can be cut off again.
+/// For a file that no other one can take the place of. What makes it longer is written first: only
+/// that needs room on the disk, and it can be cut off again.
 void overwrite(const QString& filename, const QByteArray& content)
 {
     QFile file(filename);
@@ -94,17 +76,60 @@ void overwrite(const QString& filename, const QByteArray& content)
     }
 }
 
+bool isPipe(const QFileInfo& file)
+{
+    std::error_code ignored;
+    return std::filesystem::is_fifo(file.filesystemFilePath(), ignored);
+}
+
 } // namespace
+
+QByteArray listFileContent(std::span<const BadpixelEntry> entries)
+{
+    QByteArray content;
+    QBuffer buffer(&content);
+    buffer.open(QIODevice::WriteOnly | QIODevice::Text);
+    std::array<char, sizeof "65535 65535 1\n"> line{};
+    for (const BadpixelEntry& entry : entries) {
+        if (entry.pixelClass != UserPixel) {
+            continue;
+        }
+        char* end = appendNumber(line.data(), entry.x);
+        *end++ = ' ';
+        end = std::copy_n(" 1\n", 3, appendNumber(end, entry.y));
+        buffer.write(line.data(), end - line.data());
+    }
+    return content;
+}
+
+void checkListFile(const QString& filename)
+{
+    const QFileInfo target(filename);
+    if (target.exists()) {
+        // Opening a device may be an event to it.
+        if (target.isDir() || isPipe(target) || !target.isWritable()) {
+            fail(CantOpenForWriting);
+        }
+        return;
+    }
+    if (filename.isEmpty()) {
+        fail(CantOpenForWriting);
+    }
+    QFile file(filename);
+    if (!target.isSymLink() &&
+        !(file.open(QIODevice::WriteOnly | QIODevice::NewOnly) && file.remove())) {
+        fail(CantOpenForWriting);
+    }
+}
 
 void writeListFile(const QString& filename, std::span<const BadpixelEntry> entries)
 {
     const QFileInfo target(filename);
-    std::error_code ignored;
     // Opening a pipe would wait for someone who reads from it.
-    if (filename.isEmpty() || std::filesystem::is_fifo(target.filesystemFilePath(), ignored)) {
+    if (filename.isEmpty() || isPipe(target)) {
         fail(CantOpenForWriting);
     }
-    const QByteArray content = contentFor(entries);
+    const QByteArray content = listFileContent(entries);
     if (target.exists() && !target.isFile()) {
         writeDevice(filename, content);
         return;
@@ -114,8 +139,13 @@ void writeListFile(const QString& filename, std::span<const BadpixelEntry> entri
         overwrite(filename, content);
         return;
     }
-    if (!writeAll(file, content) || !file.commit()) {
+    if (!writeAll(file, content)) {
         fail(CantWrite);
+    }
+    // The new file is complete, so what fails now is its name: the old file is a mount point,
+    // somebody else's in a sticky folder, or open elsewhere; or there can be no file of this name.
+    if (!file.commit()) {
+        overwrite(filename, content);
     }
 }
 

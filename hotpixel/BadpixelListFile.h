@@ -1,7 +1,9 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "hotpixel/BadpixelEntry.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <span>
@@ -12,17 +14,27 @@ class QIODevice;
 /// The text file of a hotpixel list: one entry per line, x, y and class in decimal.
 namespace hotpixel {
 
-/// Writes the user entries among @p entries in their order, "x y 1" and a line end each (CR LF on
-/// Windows); all others are left out.
+/// What the file of @p entries holds: the user entries in their order, "x y 1" and a line end each
+/// (CR LF on Windows); all others are left out.
+[[nodiscard]] QByteArray listFileContent(std::span<const BadpixelEntry> entries);
+
+/// Writes listFileContent() to a file.
 ///
 /// An existing file is replaced only when the new one is complete, so a failure leaves it as it
-/// was. A file in a folder in which no other file can be made is written in place: a full disk
-/// leaves it as it was, a program killed meanwhile does not. Devices are written in place as well.
+/// was. A file that can't be replaced is written in place, be it that no other one can be made in
+/// its folder or that the new one can't take its name (a mount point, somebody else's file in a
+/// sticky folder, on Windows one that is open elsewhere): a full disk leaves it as it was, a
+/// program killed meanwhile does not. Devices are written in place as well.
 ///
 /// @throws std::runtime_error "Can't open file for writing." when @p filename can't be made or
 ///         written to, or is a folder or a pipe.
 /// @throws std::runtime_error "Can't write file." when the disk is full or fails.
 void writeListFile(const QString& filename, std::span<const BadpixelEntry> entries);
+
+/// Finds out whether writeListFile() could begin; the file is as before. One that is not there is
+/// made and removed again, since only that tells whether there can be one of its name.
+/// @throws std::runtime_error "Can't open file for writing."
+void checkListFile(const QString& filename);
 
 /// Reads the entries of a list; each line gives one, whatever is in it.
 ///

@@ -1,25 +1,23 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListModel.h"
 
 #include "camera/Camera.h"
-#include "camera/CameraSdk.h"
 #include "hotpixel/BadpixelListFile.h"
+#include "hotpixel/CameraLists.h"
+#include "hotpixel/ListFull.h"
 #include "support/QuickSort.h"
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <stdexcept>
+#include <utility>
 #include <vector>
 
 namespace {
 
-constexpr int MaxCameraListCount = 1000;   ///< greater counts are not read from a camera
-constexpr std::size_t MaxListCount = 5000; ///< of addBadpixel() without the camera's limit
-
-/// Bytes in a list buffer of @p count entries: a word for the count and two for each entry.
-std::int32_t listBufferSize(std::size_t count)
-{
-    return static_cast<std::int32_t>(count * 4 + 2);
-}
+constexpr int MaxCameraListCount = 1000; ///< greater counts are not read from a camera
+constexpr int MaxListCount = 5000;       ///< of addBadpixel() without the camera's limit
 
 std::uint32_t positionKey(const BadpixelEntry& entry)
 {
@@ -29,18 +27,6 @@ std::uint32_t positionKey(const BadpixelEntry& entry)
 bool blocksAddition(const BadpixelEntry& entry)
 {
     return entry.pixelClass == FactoryPixel || entry.pixelClass == UserPixel;
-}
-
-/// The coordinates in one of the camera's lists, x and y in turn; empty when it can't be read.
-std::vector<std::uint16_t> readCameraList(CameraSdk& sdk, CameraSdk::Handle handle,
-                                          std::int32_t command, std::size_t count)
-{
-    std::vector<std::uint16_t> buffer(count * 2 + 1);
-    if (sdk.hotpixelCommand(handle, command, buffer.data(), listBufferSize(count)) != 0) {
-        return {};
-    }
-    buffer.erase(buffer.begin());
-    return buffer;
 }
 
 template <typename Key>
@@ -82,13 +68,12 @@ QVariant BadpixelListModel::data(const QModelIndex& index, int role) const
     }
     const BadpixelEntry& entry = m_entries[static_cast<std::size_t>(index.row())];
     switch (index.column()) {
-    case 0:
+    case XColumn:
         return int{entry.x};
-    case 1:
+    case YColumn:
         return int{entry.y};
-    case 2:
-        // The words are deliberately not the names of the values: users of this editor know the
-        // classes by these words, and the window enables its commands by them.
+    case ClassColumn:
+        // behaviour.md: class-words
         switch (entry.pixelClass) {
         case FactoryPixel:
             return QStringLiteral("ignore");
@@ -109,9 +94,8 @@ bool BadpixelListModel::setData(const QModelIndex& index, const QVariant& value,
     }
     BadpixelEntry& entry = m_entries[static_cast<std::size_t>(index.row())];
     BadpixelEntry changed = entry;
-    if (index.column() == 2) {
-        // "user" and "ignore" succeed without effect on purpose: a factory or ignored entry can't
-        // be made one that is written to the camera.
+    if (index.column() == ClassColumn) {
+        // behaviour.md: class-cell
         if (value.toString() == QLatin1String("factory")) {
             changed.pixelClass = FactoryPixel;
         }
@@ -121,7 +105,7 @@ bool BadpixelListModel::setData(const QModelIndex& index, const QVariant& value,
         if (!isInteger) {
             return false;
         }
-        (index.column() == 0 ? changed.x : changed.y) = coordinate;
+        (index.column() == XColumn ? changed.x : changed.y) = coordinate;
     }
     indexEntry(entry, -1);
     entry = changed;
@@ -191,19 +175,18 @@ QModelIndex BadpixelListModel::findBadpixel(const QPoint& position, int toleranc
     const auto found = std::find_if(all.begin(), all.end(), [&](const BadpixelEntry& entry) {
         return near(position.x(), entry.x) && near(position.y(), entry.y);
     });
-    return found == all.end() ? QModelIndex() : index(static_cast<int>(found - all.begin()), 0);
+    return found == all.end() ? QModelIndex()
+                              : index(static_cast<int>(found - all.begin()), XColumn);
 }
 
 bool BadpixelListModel::addBadpixel(const QPoint& position)
 {
-    // The limit comes before the duplicate, so a full list refuses what it holds already, too. And
-    // the text names the camera's limit even where that of 5000 applies.
-    const bool full = m_limitByCamera
-                          ? std::int64_t{rowCount()} - m_factoryCount >= m_maxUserEntries
-                          : m_entries.size() >= MaxListCount;
-    if (full) {
-        throw std::runtime_error(
-            tr("Can't add more than %1 hotpixel entries.").arg(m_maxUserEntries).toStdString());
+    // behaviour.md: full-before-known
+    const std::int64_t count = std::int64_t{rowCount()} - (m_limitByCamera ? m_factoryCount : 0);
+    const int limit = m_limitByCamera ? m_maxUserEntries : MaxListCount;
+    if (count >= limit) {
+        throw ListFull(tr("Can't add more than %1 hotpixel entries.").arg(m_maxUserEntries), limit,
+                       count);
     }
 
     const BadpixelEntry entry{static_cast<std::uint16_t>(position.x()),
@@ -234,43 +217,30 @@ void BadpixelListModel::getBadpixelList(Camera* cam)
     if (cam == nullptr) {
         return;
     }
-    CameraSdk& sdk = cam->sdk();
-    const CameraSdk::Handle handle = cam->handle();
+    // behaviour.md: unread-lists
+    const CameraLists lists(*cam);
+    const auto append = [&](std::int32_t command, std::int32_t count, Pixelclass pixelClass) {
+        std::vector<BadpixelEntry> entries;
+        if (count >= 1 && count <= MaxCameraListCount &&
+            lists.readList(command, static_cast<std::size_t>(count), pixelClass, entries) == 0) {
+            appendCameraEntries(std::move(entries));
+        }
+    };
+    lists.readNumber(camera::GetMaxUserEntries, m_maxUserEntries);
+    lists.readNumber(camera::GetFactoryCount, m_factoryCount);
+    append(camera::GetFactoryList, m_factoryCount, FactoryPixel);
 
-    // Results are ignored on purpose: a camera that does not answer keeps the limits as they were.
-    sdk.hotpixelCommand(handle, camera::GetMaxUserEntries, &m_maxUserEntries,
-                        sizeof m_maxUserEntries);
-    sdk.hotpixelCommand(handle, camera::GetFactoryCount, &m_factoryCount, sizeof m_factoryCount);
-    if (m_factoryCount >= 1 && m_factoryCount <= MaxCameraListCount) {
-        appendCameraEntries(readCameraList(sdk, handle, camera::GetFactoryList,
-                                           static_cast<std::size_t>(m_factoryCount)),
-                            FactoryPixel);
-    }
-
-    std::uint32_t userCount = 0;
-    sdk.hotpixelCommand(handle, camera::GetUserCount, &userCount, sizeof userCount);
-    if (userCount >= 1 && userCount <= MaxCameraListCount) {
-        appendCameraEntries(readCameraList(sdk, handle, camera::GetUserList, userCount), UserPixel);
-    }
+    std::int32_t userCount = 0;
+    lists.readNumber(camera::GetUserCount, userCount);
+    append(camera::GetUserList, userCount, UserPixel);
 }
 
 void BadpixelListModel::writeBadpixelList(Camera* cam)
 {
-    std::vector<std::uint16_t> buffer(1);
-    for (const BadpixelEntry& entry : entries()) {
-        if (entry.pixelClass == UserPixel) {
-            buffer.push_back(entry.x);
-            buffer.push_back(entry.y);
-        }
-    }
-    const std::size_t count = buffer.size() / 2;
-    buffer.front() = static_cast<std::uint16_t>(count);
-
-    const std::int32_t result =
-        count > 0 ? cam->sdk().hotpixelCommand(cam->handle(), camera::SetUserList, buffer.data(),
-                                               listBufferSize(count))
-                  : cam->sdk().hotpixelCommand(cam->handle(), camera::DeleteUserList, nullptr, 0);
-    if (result != 0) {
+    std::vector<BadpixelEntry> userEntries;
+    std::ranges::copy_if(entries(), std::back_inserter(userEntries),
+                         [](const BadpixelEntry& entry) { return entry.pixelClass == UserPixel; });
+    if (CameraLists(*cam).writeUserList(userEntries) != 0) {
         throw std::runtime_error(tr("Error writing hotpixel list").toStdString());
     }
 }
@@ -304,11 +274,11 @@ void BadpixelListModel::saveAsFile(QString filename)
 
 void BadpixelListModel::loadFromFile(QString filename)
 {
-    // Before the file is opened: when that fails, the user entries stay gone.
+    // behaviour.md: load-first-clears
     clearUserBadpixelList();
     m_entries.append(hotpixel::readListFile(filename));
     m_taken.reset();
-    // Deliberately the only announcement, also for the rows that came.
+    // behaviour.md: load-one-word
     emit layoutChanged();
 }
 
@@ -324,10 +294,10 @@ void BadpixelListModel::sort(int column, Qt::SortOrder order)
             throw std::runtime_error(tr("Sort Error").toStdString());
         }
         switch (column) {
-        case 0:
+        case XColumn:
             sortByKey(m_entries.all(), order, &BadpixelEntry::x);
             break;
-        case 1:
+        case YColumn:
             sortByKey(m_entries.all(), order, &BadpixelEntry::y);
             break;
         default:
@@ -335,22 +305,15 @@ void BadpixelListModel::sort(int column, Qt::SortOrder order)
             break;
         }
     }
-    // Without layoutAboutToBeChanged() on purpose: selections stay with their rows, not with the
-    // entries that move.
+    // behaviour.md: sort-keeps-rows
     emit layoutChanged();
 }
 
-void BadpixelListModel::appendCameraEntries(std::span<const std::uint16_t> coordinates,
-                                            Pixelclass pixelClass)
+void BadpixelListModel::appendCameraEntries(std::vector<BadpixelEntry>&& entries)
 {
-    if (coordinates.empty()) {
-        return;
-    }
-    // Deliberately announced as the first rows, also where entries stand before them.
-    beginInsertRows(QModelIndex(), 0, static_cast<int>(coordinates.size() / 2) - 1);
-    for (std::size_t word = 0; word < coordinates.size(); word += 2) {
-        m_entries.append({coordinates[word], coordinates[word + 1], pixelClass});
-    }
+    // behaviour.md: user-rows-first
+    beginInsertRows(QModelIndex(), 0, static_cast<int>(entries.size()) - 1);
+    m_entries.append(std::move(entries));
     m_taken.reset();
     endInsertRows();
 }

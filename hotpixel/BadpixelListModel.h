@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "hotpixel/BadpixelEntry.h"
@@ -10,6 +11,7 @@
 
 #include <optional>
 #include <span>
+#include <vector>
 
 class Camera;
 Q_MOC_INCLUDE("camera/Camera.h")
@@ -19,13 +21,15 @@ Q_MOC_INCLUDE("camera/Camera.h")
 /// Entries come from the opened camera's two lists, from addBadpixel() and from list files; the
 /// user entries go back into the camera and into list files. All of it on the GUI thread.
 ///
-/// Several announcements to views do not describe exactly what happened, each on purpose and
+/// Several announcements to views do not describe exactly what happened, each
 /// described where it is made; so QAbstractItemModelTester does not accept this model.
 class BadpixelListModel : public QAbstractTableModel
 {
     Q_OBJECT
 
 public:
+    enum Column { XColumn, YColumn, ClassColumn };
+
     explicit BadpixelListModel(QObject* parent = nullptr);
 
     /// Number of entries, whatever @p parent is.
@@ -87,8 +91,9 @@ public:
     /// Appends a user entry at @p position (the low 16 bits of its coordinates).
     ///
     /// @return false when a factory or user entry is there already; ignored ones don't count.
-    /// @throws std::runtime_error "Can't add more than %1 hotpixel entries." at the limit, also for
-    ///         a position that is in the list. %1 is maxUserEntries().
+    /// @throws ListFull "Can't add more than %1 hotpixel entries." at the limit, also for a
+    /// position
+    ///         that is in the list. %1 is maxUserEntries().
     bool addBadpixel(const QPoint& position);
 
     /// Removes the entry at @p row when its class is UserPixel; otherwise returns false.
@@ -132,7 +137,7 @@ public slots:
 
 private:
     [[nodiscard]] bool hasRow(int row) const { return row >= 0 && row < rowCount(); }
-    void appendCameraEntries(std::span<const std::uint16_t> coordinates, Pixelclass pixelClass);
+    void appendCameraEntries(std::vector<BadpixelEntry>&& entries);
     [[nodiscard]] bool isTaken(const BadpixelEntry& candidate);
     void indexEntry(const BadpixelEntry& entry, int change);
 

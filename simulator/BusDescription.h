@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <QString>
@@ -47,6 +48,11 @@ struct CameraDescription
     bool plugged = true;              ///< connected from the start
     QString recordedFrames;           ///< a folder of recorded frames to be played, or empty
     bool recordedOnlyCovered = false; ///< play them only while the sensor is covered
+
+    [[nodiscard]] bool playsRecordedFramesOnly() const
+    {
+        return !recordedFrames.isEmpty() && !recordedOnlyCovered;
+    }
 };
 
 /// The cameras of one simulated bus, in the order of the camera list.

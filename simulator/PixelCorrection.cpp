@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/PixelCorrection.h"
 
 #include <array>

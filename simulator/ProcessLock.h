@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <QString>
@@ -7,8 +8,9 @@
 /// A lock between programs, and between objects of one program, on a file that stays where it is.
 ///
 /// The system itself keeps the lock and gives it back when its holder ends, however that happens
-/// and at whatever moment; what is in the file counts for nothing. Without locking of its own: one
-/// thread at a time.
+/// and at whatever moment; what is in the file counts for nothing. (QLockFile goes by the
+/// process number in it, which may be another's by the time that a killed holder's file is found.)
+/// Without locking of its own: one thread at a time.
 class ProcessLock
 {
 public:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/SdkErrors.h"
 
 #include "camera/CameraSdk.h"

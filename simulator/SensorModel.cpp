@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/SensorModel.h"
 
 #include "simulator/NoiseField.h"

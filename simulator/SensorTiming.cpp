@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/SensorTiming.h"
 
 #include <algorithm>

@@ -1,94 +1,102 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "simulator/BusDescription.h"
-#include "simulator/EepromFile.h"
+#include "simulator/CameraEeprom.h"
 #include "simulator/EventBindings.h"
-#include "simulator/FrameRing.h"
+#include "simulator/LiveCapture.h"
+#include "simulator/Mutex.h"
 #include "simulator/ProcessLock.h"
-#include "simulator/SensorFrameSource.h"
 #include "simulator/SensorModel.h"
 #include "simulator/SensorTiming.h"
 
 #include <QString>
 
-#include <chrono>
+#include <array>
 #include <condition_variable>
 #include <cstdint>
-#include <memory>
-#include <mutex>
 #include <string>
-#include <thread>
 #include <vector>
 
 class QSettings;
 
+/// One pixel that is known to be hot, and what it shows.
+struct KnownHotPixel
+{
+    std::uint16_t x;
+    std::uint16_t y;
+    double meanDn; ///< the mean grey value of many dark frames, at most 255
+};
+
 /// One camera of a SimulatedCameraSdk: its cable, its sensor, its EEPROM, and what has been set up
-/// on it while it is open.
-///
-/// Every public operation is called with the mutex held that the constructor takes; those that wait
-/// get the lock and give it up meanwhile. The capture thread holds the mutex for all but the making
-/// of a frame.
+/// on it while it is open. Any thread may call it at any time.
 class SimulatedCamera
 {
 public:
-    using Lock = std::unique_lock<std::mutex>;
+    /// The four gains, in the order of the SDK's operation.
+    enum Gain : std::size_t { Master, Red, Green, Blue, GainCount };
+    using Gains = std::array<std::int32_t, GainCount>;
 
-    /// @param changed is notified, and waited on, with the mutex @p mutex
-    SimulatedCamera(CameraDescription description, const QString& eepromFolder, double speed,
-                    std::mutex& mutex, std::condition_variable& changed);
-    ~SimulatedCamera();
+    /// @param speed simulated seconds in a second
+    SimulatedCamera(const CameraDescription& description, const QString& eepromFolder,
+                    double speed);
+    SimulatedCamera(const SimulatedCamera&) = delete;
+    SimulatedCamera& operator=(const SimulatedCamera&) = delete;
 
     // The camera as it lies on the table.
 
     [[nodiscard]] const CameraDescription& description() const { return m_model.description(); }
-    [[nodiscard]] const SensorModel& model() const { return m_model; }
-    [[nodiscard]] const EepromFile& eepromFile() const { return m_eepromFile; }
-    [[nodiscard]] bool isOpen() const { return m_handle != 0; }
-    [[nodiscard]] std::uint32_t handle() const { return m_handle; }
-    [[nodiscard]] bool isPlugged() const { return m_plugged; }
-    void setPlugged(bool plugged);
-    [[nodiscard]] bool isUsed(); ///< by this program or by another one
-    [[nodiscard]] bool needsFirmware() const;
-    [[nodiscard]] bool playsRecordedFramesOnly() const;
-    [[nodiscard]] SensorSettings settings() const;
+    [[nodiscard]] QString eepromFileName() const { return m_eepromFileName; }
+    [[nodiscard]] bool isUsed() const;        ///< by this program or by another one
+    [[nodiscard]] bool needsFirmware() const; ///< by what its EEPROM says
 
-    bool covered = false;       ///< the lens cap is on
-    bool dropFrames = false;    ///< every frame fails on its way
-    bool heldElsewhere = false; ///< another program has it open
-    double temperature = 25.0;  ///< °C
+    /// @return false, and nothing is signalled, when the cable is so already
+    bool setPlugged(bool plugged);
+    [[nodiscard]] bool isPlugged() const;
+    void setCovered(bool covered);
+    [[nodiscard]] bool isCovered() const;
+    void setDropFrames(bool drop);
+    [[nodiscard]] bool dropsFrames() const;
+    void setHeldElsewhere(bool held);
+    [[nodiscard]] bool isHeldElsewhere() const;
+    void setTemperature(double celsius);
+    [[nodiscard]] double temperature() const;
 
-    /// Opens the camera as @p handle; waits for the upload when one is needed.
+    /// See SimulatedCameraControl.
+    [[nodiscard]] std::vector<KnownHotPixel> knownHotPixels() const;
+    [[nodiscard]] double darkMeanDn(int x, int y) const;
+
+    /// Opens the camera; waits for the upload when one is needed.
     /// @return 0, camera::FirmwareUploadNeeded without @p uploadFirmware, or a simulator::SdkError
-    std::int32_t open(std::uint32_t handle, bool uploadFirmware, Lock& lock);
+    std::int32_t open(bool uploadFirmware);
 
     /// Stops live capture and gives the camera free.
-    void close(Lock& lock);
+    void close();
 
-    // The open camera.
+    // The open camera. What returns a std::int32_t gives 0 or a simulator::SdkError.
 
-    EventBindings events;
-    FrameRing ring;
-    SensorTiming timing;
-    int masterGain = 0;
-    int redGain = 0;
-    int greenGain = 0;
-    int blueGain = 0;
+    [[nodiscard]] EventBindings& events() { return m_events; }
+    [[nodiscard]] LiveCapture& capture() { return m_capture; }
 
-    [[nodiscard]] int colorMode() const { return m_colorMode; }
-    [[nodiscard]] int bitsPerPixel() const;
+    [[nodiscard]] int colorMode() const;
+    [[nodiscard]] int bitsPerPixel() const; ///< of the frames in that mode
     std::int32_t setColorMode(std::int32_t mode);
+
+    [[nodiscard]] SensorTiming timing() const;
+    std::int32_t setPixelClock(std::int32_t megahertz);
+    double setFrameRate(double framesPerSecond); ///< @return the rate that was taken
+    double setExposure(double milliseconds);     ///< @return the exposure that was taken
+
+    [[nodiscard]] std::int32_t masterGain() const;
+    /// Each 0 to 100, or camera::KeepGain; all of them or none.
+    std::int32_t setGains(const Gains& gains);
 
     /// Takes over what a settings file says (pixelClock, frameRate, exposure, masterGain, redGain,
     /// greenGain, blueGain), or nothing of it when something is out of range or unknown.
     std::int32_t loadParameters(const QSettings& file);
 
-    [[nodiscard]] bool isLive() const { return m_liveSession != 0; }
     std::int32_t startLive();
-    /// Returns when no frame is being written any more.
-    void stopLive(Lock& lock);
-
-    /// The latest complete frame, null when there is none; waits when it is just being replaced.
-    FrameRing::Memory latestFrame(Lock& lock);
+    void stopLive(); ///< returns when no frame is being written any more
 
     std::int32_t hotpixelCommand(std::int32_t command, void* buffer, std::int32_t size);
 
@@ -96,50 +104,33 @@ public:
     [[nodiscard]] std::string errorDetail(std::int32_t code) const;
 
 private:
-    using Clock = std::chrono::steady_clock;
+    bool takeLock() VORN_REQUIRES(m_mutex);
+    [[nodiscard]] SensorSettings sensorSettings() const VORN_REQUIRES(m_mutex);
+    [[nodiscard]] int depth() const VORN_REQUIRES(m_mutex);
+    void tellCapture() VORN_REQUIRES(m_mutex);
+    std::int32_t switchCorrection(bool on, const void* buffer, std::int32_t size)
+        VORN_REQUIRES(m_mutex);
 
-    bool takeLock();
-    void loadEeprom();
-    std::int32_t uploadFirmware(Lock& lock);
-    std::int32_t writeEeprom(const EepromContent& content);
-    [[nodiscard]] std::int32_t readList(const std::vector<EepromPosition>& list, void* buffer,
-                                        std::int32_t size);
-    [[nodiscard]] std::int32_t writeUserList(const void* buffer, std::int32_t size);
-    std::int32_t fail(std::int32_t code, const std::string& detail);
-    std::int32_t prepareSources();
-
-    void capture(std::uint64_t session);
-    void captureFrame(Lock& lock, std::uint64_t session);
-    void renderFrame(std::uint64_t frame, const SensorSettings& settings,
-                     const std::vector<EepromPosition>& corrected, int mode,
-                     const SimulatedImageMemory& memory);
-    [[nodiscard]] Clock::duration frameInterval() const;
-
-    std::mutex& m_mutex;
-    std::condition_variable& m_changed;
     const SensorModel m_model;
-    const EepromFile m_eepromFile;
     const double m_speed;
-    ProcessLock m_lock;
-    bool m_plugged;
-    bool m_opening = false;
+    const QString m_eepromFileName;
+    EventBindings m_events;
+    LiveCapture m_capture;
 
-    std::uint32_t m_handle = 0;
-    EepromContent m_eeprom;
-    bool m_eepromDamaged = false;
-    bool m_correction = false;
-    int m_colorMode = 6;
-    std::int32_t m_failure = 0;
-    std::string m_failureDetail;
-
-    std::uint64_t m_liveSession = 0; ///< 0 while no capture is running
-    std::uint64_t m_lastSession = 0;
-    bool m_capturing = false; ///< a capture thread has not ended yet
-    std::thread m_captureThread;
-    std::uint64_t m_frame = 0; ///< number of the next frame, from the opening on
-
-    // Touched by the capture thread alone while it makes a frame, and while no such thread runs.
-    std::unique_ptr<SensorFrameSource> m_modelledFrames;
-    std::unique_ptr<SensorFrameSource> m_recordedFrames;
-    std::vector<std::uint8_t> m_rawFrame;
+    mutable Mutex m_mutex;
+    std::condition_variable m_unplugged; ///< an upload waits for it
+    mutable ProcessLock m_lock VORN_GUARDED_BY(m_mutex);
+    bool m_plugged VORN_GUARDED_BY(m_mutex);
+    bool m_covered VORN_GUARDED_BY(m_mutex) = false;
+    bool m_dropFrames VORN_GUARDED_BY(m_mutex) = false;
+    bool m_heldElsewhere VORN_GUARDED_BY(m_mutex);
+    double m_temperature VORN_GUARDED_BY(m_mutex); ///< °C
+    bool m_open VORN_GUARDED_BY(m_mutex) = false;
+    bool m_opening VORN_GUARDED_BY(m_mutex) = false; ///< waits for its firmware
+    CameraEeprom m_eeprom VORN_GUARDED_BY(m_mutex);
+    bool m_correction VORN_GUARDED_BY(m_mutex) = false;
+    SensorTiming m_timing VORN_GUARDED_BY(m_mutex);
+    Gains m_gains VORN_GUARDED_BY(m_mutex) = {};
+    int m_colorMode VORN_GUARDED_BY(m_mutex);
+    SdkFailure m_failure VORN_GUARDED_BY(m_mutex);
 };

@@ -1,183 +1,89 @@
-#include "simulator/SimulatedCamera.h"
+// SPDX-License-Identifier: MIT
+#include "simulator/SimulatedCameraControl.h"
+
 #include "simulator/SimulatedCameraSdk.h"
 
-#include <algorithm>
-
-// What is done to cameras by hand: the half of SimulatedCameraSdk behind the 29 operations.
-
-namespace {
-
-constexpr double Saturation = 255.0;
-
-} // namespace
-
-SimulatedCamera* SimulatedCameraSdk::cameraOf(const QString& serial) const
+QString SimulatedCameraControl::serial() const
 {
-    const auto camera =
-        std::find_if(m_cameras.begin(), m_cameras.end(), [&serial](const auto& candidate) {
-            return candidate->description().serial == serial;
-        });
-    return camera == m_cameras.end() ? nullptr : camera->get();
+    return m_camera == nullptr ? QString() : m_camera->description().serial;
 }
 
-QStringList SimulatedCameraSdk::serials() const
+QString SimulatedCameraControl::model() const
 {
-    QStringList serials;
-    for (const auto& camera : m_cameras) {
-        serials.append(camera->description().serial);
-    }
-    return serials;
+    return m_camera == nullptr ? QString() : m_camera->description().model;
 }
 
-QString SimulatedCameraSdk::serialOf(std::uint32_t devId) const
+void SimulatedCameraControl::setPlugged(bool plugged) const
 {
-    for (const auto& camera : m_cameras) {
-        if (camera->description().devId == devId) {
-            return camera->description().serial;
-        }
-    }
-    return {};
-}
-
-QString SimulatedCameraSdk::modelOf(const QString& serial) const
-{
-    const SimulatedCamera* camera = cameraOf(serial);
-    return camera == nullptr ? QString() : camera->description().model;
-}
-
-void SimulatedCameraSdk::setPlugged(const QString& serial, bool plugged)
-{
-    const std::lock_guard lock(m_mutex);
-    SimulatedCamera* camera = cameraOf(serial);
-    if (camera == nullptr || camera->isPlugged() == plugged) {
-        return;
-    }
-    camera->setPlugged(plugged);
-    m_deviceEvents.signal(plugged ? camera::EventDeviceNew : camera::EventDeviceRemoved);
-}
-
-bool SimulatedCameraSdk::isPlugged(const QString& serial) const
-{
-    const std::lock_guard lock(m_mutex);
-    const SimulatedCamera* camera = cameraOf(serial);
-    return camera != nullptr && camera->isPlugged();
-}
-
-void SimulatedCameraSdk::setCovered(const QString& serial, bool covered)
-{
-    const std::lock_guard lock(m_mutex);
-    if (SimulatedCamera* camera = cameraOf(serial)) {
-        camera->covered = covered;
+    if (m_camera != nullptr && m_camera->setPlugged(plugged)) {
+        m_sdk->signalDeviceEvent(plugged);
     }
 }
 
-bool SimulatedCameraSdk::isCovered(const QString& serial) const
+void SimulatedCameraControl::setCovered(bool covered) const
 {
-    const std::lock_guard lock(m_mutex);
-    const SimulatedCamera* camera = cameraOf(serial);
-    return camera != nullptr && camera->covered;
-}
-
-void SimulatedCameraSdk::setDropFrames(const QString& serial, bool drop)
-{
-    const std::lock_guard lock(m_mutex);
-    if (SimulatedCamera* camera = cameraOf(serial)) {
-        camera->dropFrames = drop;
+    if (m_camera != nullptr) {
+        m_camera->setCovered(covered);
     }
 }
 
-bool SimulatedCameraSdk::dropsFrames(const QString& serial) const
+void SimulatedCameraControl::setDropFrames(bool drop) const
 {
-    const std::lock_guard lock(m_mutex);
-    const SimulatedCamera* camera = cameraOf(serial);
-    return camera != nullptr && camera->dropFrames;
-}
-
-void SimulatedCameraSdk::setTemperature(const QString& serial, double celsius)
-{
-    const std::lock_guard lock(m_mutex);
-    if (SimulatedCamera* camera = cameraOf(serial)) {
-        camera->temperature = celsius;
+    if (m_camera != nullptr) {
+        m_camera->setDropFrames(drop);
     }
 }
 
-double SimulatedCameraSdk::temperature(const QString& serial) const
+void SimulatedCameraControl::setTemperature(double celsius) const
 {
-    const std::lock_guard lock(m_mutex);
-    const SimulatedCamera* camera = cameraOf(serial);
-    return camera == nullptr ? 0 : camera->temperature;
-}
-
-void SimulatedCameraSdk::setHeldElsewhere(const QString& serial, bool held)
-{
-    const std::lock_guard lock(m_mutex);
-    if (SimulatedCamera* camera = cameraOf(serial)) {
-        camera->heldElsewhere = held;
+    if (m_camera != nullptr) {
+        m_camera->setTemperature(celsius);
     }
 }
 
-bool SimulatedCameraSdk::isHeldElsewhere(const QString& serial) const
+void SimulatedCameraControl::setHeldElsewhere(bool held) const
 {
-    const std::lock_guard lock(m_mutex);
-    const SimulatedCamera* camera = cameraOf(serial);
-    return camera != nullptr && camera->heldElsewhere;
-}
-
-std::vector<KnownHotPixel> SimulatedCameraSdk::knownHotPixels(const QString& serial) const
-{
-    const std::lock_guard lock(m_mutex);
-    const SimulatedCamera* camera = cameraOf(serial);
-    if (camera == nullptr || camera->playsRecordedFramesOnly()) {
-        return {};
+    if (m_camera != nullptr) {
+        m_camera->setHeldElsewhere(held);
     }
-    const SensorModel& model = camera->model();
-    const SensorSettings settings = camera->settings();
-    std::vector<KnownHotPixel> known;
-    for (const SimulatedHotPixel& pixel : model.hotPixels()) {
-        const double gain = model.systemGain(pixel.x, pixel.y, settings);
-        const double mean = model.meanDn(model.darkElectrons(pixel, settings), gain);
-        known.push_back({pixel.x, pixel.y, std::min(mean, Saturation)});
-    }
-    return known;
 }
 
-double SimulatedCameraSdk::darkMeanDn(const QString& serial, int x, int y) const
+bool SimulatedCameraControl::isPlugged() const
 {
-    const std::lock_guard lock(m_mutex);
-    const SimulatedCamera* camera = cameraOf(serial);
-    if (camera == nullptr || camera->playsRecordedFramesOnly()) {
-        return 0;
-    }
-    const SensorModel& model = camera->model();
-    const SensorSettings settings = camera->settings();
-    const double gain = model.systemGain(x, y, settings);
-    return std::min(model.meanDn(model.darkElectrons(settings), gain), Saturation);
+    return m_camera != nullptr && m_camera->isPlugged();
 }
 
-QString SimulatedCameraSdk::eepromFileName(const QString& serial) const
+bool SimulatedCameraControl::isCovered() const
 {
-    const SimulatedCamera* camera = cameraOf(serial);
-    return camera == nullptr ? QString() : camera->eepromFile().fileName();
+    return m_camera != nullptr && m_camera->isCovered();
 }
 
-int SimulatedCameraSdk::openCameras() const
+bool SimulatedCameraControl::dropsFrames() const
 {
-    const std::lock_guard lock(m_mutex);
-    return static_cast<int>(m_open.size());
+    return m_camera != nullptr && m_camera->dropsFrames();
 }
 
-int SimulatedCameraSdk::imageMemories() const
+double SimulatedCameraControl::temperature() const
 {
-    const std::lock_guard lock(m_mutex);
-    return static_cast<int>(m_memories.size());
+    return m_camera == nullptr ? 0 : m_camera->temperature();
 }
 
-int SimulatedCameraSdk::boundEvents() const
+bool SimulatedCameraControl::isHeldElsewhere() const
 {
-    const std::lock_guard lock(m_mutex);
-    std::size_t bound = m_deviceEvents.size();
-    for (const auto& [handle, camera] : m_open) {
-        bound += camera->events.size();
-    }
-    return static_cast<int>(bound);
+    return m_camera != nullptr && m_camera->isHeldElsewhere();
+}
+
+std::vector<KnownHotPixel> SimulatedCameraControl::knownHotPixels() const
+{
+    return m_camera == nullptr ? std::vector<KnownHotPixel>() : m_camera->knownHotPixels();
+}
+
+double SimulatedCameraControl::darkMeanDn(int x, int y) const
+{
+    return m_camera == nullptr ? 0 : m_camera->darkMeanDn(x, y);
+}
+
+QString SimulatedCameraControl::eepromFileName() const
+{
+    return m_camera == nullptr ? QString() : m_camera->eepromFileName();
 }

@@ -1,7 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/SimulatedCameraSdk.h"
 
 #include "simulator/SdkErrors.h"
-#include "simulator/SimulatedCamera.h"
 
 #include <algorithm>
 #include <cstring>
@@ -41,17 +41,77 @@ SimulatedCameraSdk::SimulatedCameraSdk(BusDescription bus)
     const QString folder =
         m_bus.eepromFolder.isEmpty() ? simulator::eepromFolder() : m_bus.eepromFolder;
     for (const CameraDescription& description : m_bus.cameras) {
-        m_cameras.push_back(std::make_unique<SimulatedCamera>(description, folder, m_bus.speed,
-                                                              m_mutex, m_changed));
+        m_cameras.push_back(std::make_unique<SimulatedCamera>(description, folder, m_bus.speed));
     }
 }
 
 SimulatedCameraSdk::~SimulatedCameraSdk()
 {
-    SimulatedCamera::Lock lock(m_mutex);
+    const MutexLock lock(m_mutex);
     for (const auto& [handle, camera] : m_open) {
-        camera->close(lock);
+        camera->close();
     }
+}
+
+QStringList SimulatedCameraSdk::serials() const
+{
+    QStringList serials;
+    for (const auto& camera : m_cameras) {
+        serials.append(camera->description().serial);
+    }
+    return serials;
+}
+
+QString SimulatedCameraSdk::serialOf(std::uint32_t devId) const
+{
+    for (const auto& camera : m_cameras) {
+        if (camera->description().devId == devId) {
+            return camera->description().serial;
+        }
+    }
+    return {};
+}
+
+SimulatedCameraControl SimulatedCameraSdk::control(const QString& serial)
+{
+    const auto camera =
+        std::find_if(m_cameras.begin(), m_cameras.end(), [&serial](const auto& candidate) {
+            return candidate->description().serial == serial;
+        });
+    return {*this, camera == m_cameras.end() ? nullptr : camera->get()};
+}
+
+void SimulatedCameraSdk::signalDeviceEvent(bool plugged)
+{
+    m_deviceEvents.signal(plugged ? camera::EventDeviceNew : camera::EventDeviceRemoved);
+}
+
+int SimulatedCameraSdk::openCameras() const
+{
+    const MutexLock lock(m_mutex);
+    return static_cast<int>(m_open.size());
+}
+
+int SimulatedCameraSdk::imageMemories() const
+{
+    const MutexLock lock(m_mutex);
+    return static_cast<int>(m_memories.size());
+}
+
+int SimulatedCameraSdk::boundEvents() const
+{
+    const MutexLock lock(m_mutex);
+    std::size_t bound = m_deviceEvents.size();
+    for (const auto& [handle, camera] : m_open) {
+        bound += camera->events().size();
+    }
+    return static_cast<int>(bound);
+}
+
+SimulatedCamera* SimulatedCameraSdk::openCamera(Handle handle) const
+{
+    const auto open = m_open.find(handle);
+    return open == m_open.end() ? nullptr : open->second;
 }
 
 std::int32_t SimulatedCameraSdk::handleError(Handle handle) const
@@ -62,27 +122,40 @@ std::int32_t SimulatedCameraSdk::handleError(Handle handle) const
 
 std::int32_t SimulatedCameraSdk::withOpenCamera(Handle handle, const CameraCall& call)
 {
-    SimulatedCamera::Lock lock(m_mutex);
-    const auto open = m_open.find(handle);
-    return open == m_open.end() ? handleError(handle) : call(*open->second, lock);
+    const MutexLock lock(m_mutex);
+    SimulatedCamera* const camera = openCamera(handle);
+    return camera == nullptr ? handleError(handle) : call(*camera);
 }
 
 std::int32_t SimulatedCameraSdk::withConnectedCamera(Handle handle, const CameraCall& call)
 {
-    return withOpenCamera(handle, [&call](SimulatedCamera& camera, SimulatedCamera::Lock& lock) {
-        return camera.isPlugged() ? call(camera, lock) : simulator::CameraUnplugged;
+    return withOpenCamera(handle, [&call](SimulatedCamera& camera) {
+        return camera.isPlugged() ? call(camera) : simulator::CameraUnplugged;
     });
+}
+
+// For what takes as long as a frame: others may call the SDK meanwhile.
+std::int32_t SimulatedCameraSdk::waitOnOpenCamera(Handle handle, const CameraCall& call)
+{
+    MutexLock lock(m_mutex);
+    SimulatedCamera* const camera = openCamera(handle);
+    if (camera == nullptr) {
+        return handleError(handle);
+    }
+    lock.unlock();
+    const std::int32_t result = call(*camera);
+    lock.lock();
+    return result;
 }
 
 std::int32_t SimulatedCameraSdk::withEvents(Handle handle, std::int32_t eventId,
                                             const std::function<std::int32_t(EventBindings&)>& call)
 {
     if (handle == 0) {
-        const std::lock_guard lock(m_mutex);
         return isDeviceEvent(eventId) ? call(m_deviceEvents) : simulator::InvalidParameter;
     }
-    return withOpenCamera(handle, [&](SimulatedCamera& camera, SimulatedCamera::Lock&) {
-        return isCameraEvent(eventId) ? call(camera.events) : simulator::InvalidParameter;
+    return withOpenCamera(handle, [&](SimulatedCamera& camera) {
+        return isCameraEvent(eventId) ? call(camera.events()) : simulator::InvalidParameter;
     });
 }
 
@@ -91,8 +164,8 @@ std::int32_t SimulatedCameraSdk::stopLiveVideo(Handle handle, std::int32_t waitM
     if (waitMode != camera::DontWait && waitMode != camera::Wait && waitMode != camera::ForceStop) {
         return simulator::InvalidParameter;
     }
-    return withOpenCamera(handle, [](SimulatedCamera& camera, SimulatedCamera::Lock& lock) {
-        camera.stopLive(lock);
+    return waitOnOpenCamera(handle, [](SimulatedCamera& camera) {
+        camera.stopLive();
         return Success;
     });
 }
@@ -102,8 +175,7 @@ std::int32_t SimulatedCameraSdk::startLiveVideo(Handle handle, std::int32_t wait
     if (waitMode != camera::DontWait && waitMode != camera::Wait) {
         return simulator::InvalidParameter;
     }
-    return withConnectedCamera(
-        handle, [](SimulatedCamera& camera, SimulatedCamera::Lock&) { return camera.startLive(); });
+    return withConnectedCamera(handle, [](SimulatedCamera& camera) { return camera.startLive(); });
 }
 
 std::int32_t SimulatedCameraSdk::getError(Handle handle, std::int32_t* code, char** text)
@@ -118,7 +190,7 @@ std::int32_t SimulatedCameraSdk::getError(Handle handle, std::int32_t* code, cha
     // Each thread has a text of its own, so that no other thread's call takes it away.
     thread_local std::string latest;
     latest = general;
-    withOpenCamera(handle, [code](SimulatedCamera& camera, SimulatedCamera::Lock&) {
+    withOpenCamera(handle, [code](SimulatedCamera& camera) {
         const std::string detail = camera.errorDetail(*code);
         if (!detail.empty()) {
             latest += " (" + detail + ')';
@@ -142,20 +214,21 @@ std::int32_t SimulatedCameraSdk::allocImageMemory(Handle handle, std::int32_t wi
     if (width < 1 || height < 1 || width > Largest || height > Largest || !depthExists) {
         return simulator::InvalidParameter;
     }
-    return withOpenCamera(handle, [&](SimulatedCamera&, SimulatedCamera::Lock&) -> std::int32_t {
-        try {
-            const std::int32_t id = m_lastMemoryId + 1;
-            auto allocated =
-                std::make_shared<SimulatedImageMemory>(id, width, height, bitsPerPixel);
-            *memory = allocated->data();
-            *memoryId = id;
-            m_memories.emplace(id, AllocatedMemory{handle, std::move(allocated)});
-            m_lastMemoryId = id;
-            return Success;
-        } catch (const std::bad_alloc&) {
-            return simulator::OutOfMemory;
-        }
-    });
+    const MutexLock lock(m_mutex);
+    if (openCamera(handle) == nullptr) {
+        return handleError(handle);
+    }
+    try {
+        const std::int32_t id = m_lastMemoryId + 1;
+        auto allocated = std::make_shared<SimulatedImageMemory>(id, width, height, bitsPerPixel);
+        *memory = allocated->data();
+        *memoryId = id;
+        m_memories.emplace(id, AllocatedMemory{handle, std::move(allocated)});
+        m_lastMemoryId = id;
+        return Success;
+    } catch (const std::bad_alloc&) {
+        return simulator::OutOfMemory;
+    }
 }
 
 std::shared_ptr<SimulatedImageMemory>
@@ -173,15 +246,14 @@ std::int32_t SimulatedCameraSdk::freeImageMemory(Handle handle, char* memory, st
         return simulator::NullPointer;
     }
     // Memory outlives the opening that it was allocated for: it is given back after closing, too.
-    const std::lock_guard lock(m_mutex);
+    const MutexLock lock(m_mutex);
     const std::shared_ptr<SimulatedImageMemory> allocated = memoryOf(handle, memory, memoryId);
     if (!allocated) {
         return handle == 0 || handle > m_lastHandle ? simulator::InvalidHandle
                                                     : simulator::InvalidImageMemory;
     }
-    const auto open = m_open.find(handle);
-    if (open != m_open.end()) {
-        open->second->ring.remove(allocated);
+    if (SimulatedCamera* const camera = openCamera(handle)) {
+        camera->capture().remove(allocated);
     }
     m_memories.erase(memoryId);
     return Success;
@@ -224,27 +296,28 @@ std::int32_t SimulatedCameraSdk::addToSequence(Handle handle, char* memory, std:
     if (memory == nullptr) {
         return simulator::NullPointer;
     }
-    return withOpenCamera(
-        handle, [&](SimulatedCamera& camera, SimulatedCamera::Lock&) -> std::int32_t {
-            auto allocated = memoryOf(handle, memory, memoryId);
-            const auto& inRing = camera.ring.memories();
-            if (!allocated || std::find(inRing.begin(), inRing.end(), allocated) != inRing.end()) {
-                return simulator::InvalidImageMemory;
-            }
-            const CameraDescription& description = camera.description();
-            if (allocated->width != description.width || allocated->height != description.height ||
-                allocated->bitsPerPixel != camera.bitsPerPixel()) {
-                return simulator::InvalidBufferSize;
-            }
-            camera.ring.append(std::move(allocated));
-            return Success;
-        });
+    const MutexLock lock(m_mutex);
+    SimulatedCamera* const camera = openCamera(handle);
+    if (camera == nullptr) {
+        return handleError(handle);
+    }
+    auto allocated = memoryOf(handle, memory, memoryId);
+    if (!allocated || camera->capture().holds(allocated)) {
+        return simulator::InvalidImageMemory;
+    }
+    const CameraDescription& description = camera->description();
+    if (allocated->width != description.width || allocated->height != description.height ||
+        allocated->bitsPerPixel != camera->bitsPerPixel()) {
+        return simulator::InvalidBufferSize;
+    }
+    camera->capture().append(std::move(allocated));
+    return Success;
 }
 
 std::int32_t SimulatedCameraSdk::clearSequence(Handle handle)
 {
-    return withOpenCamera(handle, [](SimulatedCamera& camera, SimulatedCamera::Lock&) {
-        camera.ring.clear();
+    return withOpenCamera(handle, [](SimulatedCamera& camera) {
+        camera.capture().clear();
         return Success;
     });
 }
@@ -255,8 +328,8 @@ std::int32_t SimulatedCameraSdk::getFrameMemory(Handle handle, std::int32_t, std
     if (memory == nullptr) {
         return simulator::NullPointer;
     }
-    return withOpenCamera(handle, [memory](SimulatedCamera& camera, SimulatedCamera::Lock& lock) {
-        const FrameRing::Memory latest = camera.latestFrame(lock);
+    return waitOnOpenCamera(handle, [memory](SimulatedCamera& camera) {
+        const FrameRing::Memory latest = camera.capture().latestFrame();
         if (!latest) {
             return simulator::NoFrameYet;
         }
@@ -283,31 +356,32 @@ std::int32_t SimulatedCameraSdk::initCamera(Handle* handle, void* /*window*/)
     if (handle == nullptr) {
         return simulator::NullPointer;
     }
-    SimulatedCamera::Lock lock(m_mutex);
-    SimulatedCamera* camera = selectedCamera(*handle);
+    SimulatedCamera* const camera = selectedCamera(*handle);
     if (camera == nullptr) {
         return simulator::CameraNotFound;
     }
-    const Handle fresh = ++m_lastHandle;
-    const std::int32_t result = camera->open(fresh, (*handle & UploadFlag) != 0, lock);
+    // It may wait for an upload.
+    const std::int32_t result = camera->open((*handle & UploadFlag) != 0);
     if (result == Success) {
-        m_open.emplace(fresh, camera);
-        *handle = fresh;
+        const MutexLock lock(m_mutex);
+        *handle = ++m_lastHandle;
+        m_open.emplace(*handle, camera);
     }
     return result;
 }
 
 std::int32_t SimulatedCameraSdk::exitCamera(Handle handle)
 {
-    SimulatedCamera::Lock lock(m_mutex);
-    const auto open = m_open.find(handle);
-    if (open == m_open.end()) {
+    MutexLock lock(m_mutex);
+    SimulatedCamera* const camera = openCamera(handle);
+    if (camera == nullptr) {
         return handleError(handle);
     }
     // Closing waits for the capture thread, and meanwhile nobody else shall find the handle.
-    SimulatedCamera* camera = open->second;
-    m_open.erase(open);
-    camera->close(lock);
+    m_open.erase(handle);
+    lock.unlock();
+    camera->close();
+    lock.lock();
     return Success;
 }
 
@@ -316,7 +390,6 @@ std::int32_t SimulatedCameraSdk::getNumberOfCameras(std::int32_t* count)
     if (count == nullptr) {
         return simulator::NullPointer;
     }
-    const std::lock_guard lock(m_mutex);
     *count = static_cast<std::int32_t>(
         std::count_if(m_cameras.begin(), m_cameras.end(),
                       [](const auto& camera) { return camera->isPlugged(); }));
@@ -328,7 +401,6 @@ std::int32_t SimulatedCameraSdk::getCameraList(CameraList* list)
     if (list == nullptr) {
         return simulator::NullPointer;
     }
-    const std::lock_guard lock(m_mutex);
     const std::uint32_t room = list->count;
     std::uint32_t count = 0;
     CameraListEntry* entries = list->entries;
@@ -356,7 +428,6 @@ std::int32_t SimulatedCameraSdk::getFirmwareUploadTime(Handle handle, std::int32
     if (milliseconds == nullptr) {
         return simulator::NullPointer;
     }
-    const std::lock_guard lock(m_mutex);
     const SimulatedCamera* camera = selectedCamera(handle);
     if (camera == nullptr) {
         return simulator::CameraNotFound;
@@ -368,7 +439,7 @@ std::int32_t SimulatedCameraSdk::getFirmwareUploadTime(Handle handle, std::int32
 std::int32_t SimulatedCameraSdk::hotpixelCommand(Handle handle, std::int32_t command, void* buffer,
                                                  std::int32_t size)
 {
-    return withConnectedCamera(handle, [=](SimulatedCamera& camera, SimulatedCamera::Lock&) {
+    return withConnectedCamera(handle, [=](SimulatedCamera& camera) {
         return camera.hotpixelCommand(command, buffer, size);
     });
 }

@@ -1,33 +1,23 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "camera/CameraSdk.h"
 #include "simulator/BusDescription.h"
 #include "simulator/EventBindings.h"
+#include "simulator/Mutex.h"
+#include "simulator/SimulatedCamera.h"
+#include "simulator/SimulatedCameraControl.h"
 
 #include <QString>
 #include <QStringList>
 
-#include <condition_variable>
 #include <functional>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <vector>
 
-class SimulatedCamera;
-struct SimulatedImageMemory;
-
-/// One pixel that is known to be hot, and what it shows.
-struct KnownHotPixel
-{
-    std::uint16_t x;
-    std::uint16_t y;
-    double meanDn; ///< the mean grey value of many dark frames, at most 255
-};
-
 /// A bus of simulated cameras behind the camera SDK's interface. Operations, errors and events are
-/// those of the interface; besides them stands what hardware is done to by hand: cables, the lens
-/// cap, the temperature.
+/// those of the interface; besides them stands what is done to hardware by hand (control()).
 ///
 /// Any thread may call anything at any time; each open camera delivers its frames from a thread of
 /// its own. A camera that this object has open is in use for every other SimulatedCameraSdk, in
@@ -79,9 +69,6 @@ public:
     std::int32_t hotpixelCommand(Handle handle, std::int32_t command, void* buffer,
                                  std::int32_t size) override;
 
-    // What is done to cameras by hand. Unknown serial numbers are ignored by the setters and give
-    // false, 0 or nothing from the others.
-
     /// What was wrong with the settings file, one line; empty when nothing was.
     [[nodiscard]] QString message() const { return m_bus.message; }
 
@@ -91,40 +78,11 @@ public:
     /// The serial number of the camera with this "Dev" number, empty when there is none.
     [[nodiscard]] QString serialOf(std::uint32_t devId) const;
 
-    [[nodiscard]] QString modelOf(const QString& serial) const;
+    /// What is done to a camera by hand. Also for a serial number that no camera has.
+    [[nodiscard]] SimulatedCameraControl control(const QString& serial);
 
-    /// Connects or disconnects the camera's cable. A camera that is open stays open: it stops to
-    /// deliver frames when it is unplugged and goes on when it is plugged again.
-    void setPlugged(const QString& serial, bool plugged);
-    [[nodiscard]] bool isPlugged(const QString& serial) const;
-
-    /// Puts the lens cap on or takes it off.
-    void setCovered(const QString& serial, bool covered);
-    [[nodiscard]] bool isCovered(const QString& serial) const;
-
-    /// While it is on, every frame fails on its way (camera::EventFrameFailed).
-    void setDropFrames(const QString& serial, bool drop);
-    [[nodiscard]] bool dropsFrames(const QString& serial) const;
-
-    /// The temperature of the sensor, in °C.
-    void setTemperature(const QString& serial, double celsius);
-    [[nodiscard]] double temperature(const QString& serial) const;
-
-    /// Whether another program has the camera open, as far as this switch is concerned. A camera
-    /// that is open here stays open; the switch counts once it is closed.
-    void setHeldElsewhere(const QString& serial, bool held);
-    [[nodiscard]] bool isHeldElsewhere(const QString& serial) const;
-
-    /// The hot pixels of the sensor with their means in dark frames under the settings of now
-    /// (exposure, gains, temperature), after opening defaults for a closed camera. Without the
-    /// camera's correction. Empty for a camera that plays recorded frames only.
-    [[nodiscard]] std::vector<KnownHotPixel> knownHotPixels(const QString& serial) const;
-
-    /// The mean grey value of ordinary pixels at (@p x, @p y) in dark frames, likewise.
-    [[nodiscard]] double darkMeanDn(const QString& serial, int x = 0, int y = 0) const;
-
-    /// The file that holds the camera's EEPROM.
-    [[nodiscard]] QString eepromFileName(const QString& serial) const;
+    /// Signals that some camera was plugged in or out.
+    void signalDeviceEvent(bool plugged);
 
     /// How many cameras this object has open.
     [[nodiscard]] int openCameras() const;
@@ -136,8 +94,7 @@ public:
     [[nodiscard]] int boundEvents() const;
 
 private:
-    using Lock = std::unique_lock<std::mutex>;
-    using CameraCall = std::function<std::int32_t(SimulatedCamera&, Lock&)>;
+    using CameraCall = std::function<std::int32_t(SimulatedCamera&)>;
     struct AllocatedMemory
     {
         Handle handle;
@@ -146,21 +103,24 @@ private:
 
     std::int32_t withOpenCamera(Handle handle, const CameraCall& call);
     std::int32_t withConnectedCamera(Handle handle, const CameraCall& call);
-    [[nodiscard]] std::int32_t handleError(Handle handle) const;
+    std::int32_t waitOnOpenCamera(Handle handle, const CameraCall& call);
     std::int32_t withEvents(Handle handle, std::int32_t eventId,
                             const std::function<std::int32_t(EventBindings&)>& call);
+    [[nodiscard]] SimulatedCamera* openCamera(Handle handle) const VORN_REQUIRES(m_mutex);
+    [[nodiscard]] std::int32_t handleError(Handle handle) const VORN_REQUIRES(m_mutex);
     [[nodiscard]] std::shared_ptr<SimulatedImageMemory> memoryOf(Handle handle, const char* memory,
-                                                                 std::int32_t memoryId) const;
-    [[nodiscard]] SimulatedCamera* cameraOf(const QString& serial) const;
+                                                                 std::int32_t memoryId) const
+        VORN_REQUIRES(m_mutex);
     [[nodiscard]] SimulatedCamera* selectedCamera(Handle selector) const;
 
-    mutable std::mutex m_mutex;        ///< guards everything below and every SimulatedCamera
-    std::condition_variable m_changed; ///< something that a capture thread may be waiting for
     BusDescription m_bus;
-    std::vector<std::unique_ptr<SimulatedCamera>> m_cameras;
-    std::map<Handle, SimulatedCamera*> m_open;
-    Handle m_lastHandle = 0;
-    std::map<std::int32_t, AllocatedMemory> m_memories; ///< by id
-    std::int32_t m_lastMemoryId = 0;
+    std::vector<std::unique_ptr<SimulatedCamera>> m_cameras; ///< as many as long as this lives
     EventBindings m_deviceEvents;
+
+    // Held before a camera's own mutex, never the other way round, and not while waiting.
+    mutable Mutex m_mutex;
+    std::map<Handle, SimulatedCamera*> m_open VORN_GUARDED_BY(m_mutex);
+    Handle m_lastHandle VORN_GUARDED_BY(m_mutex) = 0;
+    std::map<std::int32_t, AllocatedMemory> m_memories VORN_GUARDED_BY(m_mutex); ///< by id
+    std::int32_t m_lastMemoryId VORN_GUARDED_BY(m_mutex) = 0;
 };

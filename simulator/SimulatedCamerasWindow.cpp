@@ -1,15 +1,22 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/SimulatedCamerasWindow.h"
 
 #include "simulator/SimulatedCameraSdk.h"
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QDir>
 #include <QDoubleSpinBox>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
+#include <QMainWindow>
+#include <QScreen>
 #include <QTimer>
+#include <QWindow>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -19,52 +26,76 @@ struct Switch
 {
     const char* objectName;
     const char* text;
-    bool (*state)(const SimulatedCameraSdk& sdk, const QString& serial);
-    void (*set)(SimulatedCameraSdk& sdk, const QString& serial, bool on);
+    bool (SimulatedCameraControl::*state)() const;
+    void (SimulatedCameraControl::*set)(bool on) const;
 };
-
-template <auto Getter>
-bool stateOf(const SimulatedCameraSdk& sdk, const QString& serial)
-{
-    return (sdk.*Getter)(serial);
-}
-
-template <auto Setter>
-void setState(SimulatedCameraSdk& sdk, const QString& serial, bool on)
-{
-    (sdk.*Setter)(serial, on);
-}
 
 constexpr std::array<Switch, 4> Switches{{
     {"plugged", QT_TRANSLATE_NOOP("SimulatedCamerasWindow", "plugged"),
-     &stateOf<&SimulatedCameraSdk::isPlugged>, &setState<&SimulatedCameraSdk::setPlugged>},
+     &SimulatedCameraControl::isPlugged, &SimulatedCameraControl::setPlugged},
     {"cover", QT_TRANSLATE_NOOP("SimulatedCamerasWindow", "cover the sensor"),
-     &stateOf<&SimulatedCameraSdk::isCovered>, &setState<&SimulatedCameraSdk::setCovered>},
+     &SimulatedCameraControl::isCovered, &SimulatedCameraControl::setCovered},
     {"drop", QT_TRANSLATE_NOOP("SimulatedCamerasWindow", "drop frames"),
-     &stateOf<&SimulatedCameraSdk::dropsFrames>, &setState<&SimulatedCameraSdk::setDropFrames>},
+     &SimulatedCameraControl::dropsFrames, &SimulatedCameraControl::setDropFrames},
     {"held", QT_TRANSLATE_NOOP("SimulatedCamerasWindow", "held by another program"),
-     &stateOf<&SimulatedCameraSdk::isHeldElsewhere>,
-     &setState<&SimulatedCameraSdk::setHeldElsewhere>},
+     &SimulatedCameraControl::isHeldElsewhere, &SimulatedCameraControl::setHeldElsewhere},
 }};
+
+constexpr Qt::WindowFlags Flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                  Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint;
+
+QWidget* mainWindow()
+{
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto found = std::find_if(windows.begin(), windows.end(), [](const QWidget* window) {
+        return qobject_cast<const QMainWindow*>(window) != nullptr && window->isVisible();
+    });
+    return found == windows.end() ? nullptr : *found;
+}
 
 } // namespace
 
+simulator::Places simulator::placesBeside(const QRect& main, const QSize& size, const QRect& screen)
+{
+    const QPoint corner(std::max(screen.left(), screen.right() + 1 - size.width()),
+                        std::max(screen.top(), screen.bottom() + 1 - size.height()));
+    const int x = std::clamp(main.left(), screen.left(), corner.x());
+    const int y = std::clamp(main.top(), screen.top(), corner.y());
+    for (const QPoint place :
+         {QPoint(main.right() + 1, y), QPoint(main.left() - size.width(), y),
+          QPoint(x, main.bottom() + 1), QPoint(x, main.top() - size.height())}) {
+        if (screen.contains(QRect(place, size))) {
+            return {main.topLeft(), place};
+        }
+    }
+    if (const int top = corner.y() - main.height(); top >= screen.top()) {
+        return {{main.left(), top}, {x, corner.y()}};
+    }
+    return {screen.topLeft(), corner};
+}
+
 SimulatedCamerasWindow::SimulatedCamerasWindow(SimulatedCameraSdk& sdk, QWidget* parent)
-    : QWidget(parent)
+    : QWidget(parent, Flags)
     , m_sdk(sdk)
 {
     setWindowTitle(tr("Simulated cameras"));
     setObjectName(QStringLiteral("simulatedCameras"));
     setAttribute(Qt::WA_QuitOnClose, false);
+    setAttribute(Qt::WA_ShowWithoutActivating);
 
     auto* layout = new QGridLayout(this);
+    // It shares a small screen with the main window.
+    constexpr int Margin = 6;
+    constexpr int LineSpacing = 2;
+    layout->setContentsMargins(Margin, Margin, Margin, Margin);
+    layout->setVerticalSpacing(LineSpacing);
     int row = 0;
     const QStringList serials = sdk.serials();
     for (const QString& serial : serials) {
         addCamera(layout, row++, serial);
     }
     if (!serials.isEmpty()) {
-        const QFileInfo eeprom(sdk.eepromFileName(serials.first()));
+        const QFileInfo eeprom(sdk.control(serials.first()).eepromFileName());
         addLine(layout, row++, "eepromFolder",
                 tr("EEPROM files: %1").arg(QDir::toNativeSeparators(eeprom.absolutePath())));
     }
@@ -79,20 +110,59 @@ SimulatedCamerasWindow::SimulatedCamerasWindow(SimulatedCameraSdk& sdk, QWidget*
     timer->start(RefreshMsec);
 }
 
+void SimulatedCamerasWindow::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    m_placeAttempts = 0;
+    placeBesideMainWindow();
+}
+
+void SimulatedCamerasWindow::placeBesideMainWindow()
+{
+    // The window manager places the main window and gives both their frames only after a while.
+    constexpr int RetryMsec = 50;
+    constexpr int MaxAttempts = 20;
+    QWidget* const main = mainWindow();
+    const auto isFramed = [](const QWidget* window) {
+        return window->windowHandle()->isExposed() && window->frameGeometry() != window->geometry();
+    };
+    if (main != nullptr && (!isFramed(main) || !isFramed(this)) &&
+        m_placeAttempts++ < MaxAttempts) {
+        QTimer::singleShot(RetryMsec, this, &SimulatedCamerasWindow::placeBesideMainWindow);
+        return;
+    }
+    if (main == nullptr) {
+        return;
+    }
+    const auto [mainPlace, place] = simulator::placesBeside(
+        main->frameGeometry(), frameGeometry().size(), main->screen()->availableGeometry());
+    if (mainPlace != main->pos() && !main->isMaximized() && !main->isFullScreen()) {
+        main->move(mainPlace);
+    }
+    move(place);
+    raise();
+}
+
+void SimulatedCamerasWindow::closeEvent(QCloseEvent* event)
+{
+    // By hand there would be no way to get it back. A program that ends closes it all the same.
+    event->setAccepted(!event->spontaneous());
+}
+
 void SimulatedCamerasWindow::addCamera(QGridLayout* layout, int row, const QString& serial)
 {
+    const SimulatedCameraControl camera = m_sdk.control(serial);
     int column = 0;
-    layout->addWidget(new QLabel(tr("%1  %2").arg(m_sdk.modelOf(serial), serial), this), row,
-                      column++);
+    layout->addWidget(new QLabel(tr("%1  %2").arg(camera.model(), serial), this), row, column++);
     for (const Switch& entry : Switches) {
         auto* box = new QCheckBox(tr(entry.text), this);
         box->setObjectName(QLatin1String(entry.objectName) + '_' + serial);
         box->setAccessibleName(tr("%1: %2").arg(serial, box->text()));
-        box->setChecked(entry.state(m_sdk, serial));
+        box->setChecked((camera.*entry.state)());
         connect(box, &QCheckBox::toggled, this,
-                [this, serial, &entry](bool on) { entry.set(m_sdk, serial, on); });
+                [camera, &entry](bool on) { (camera.*entry.set)(on); });
         m_refreshers.emplace_back(
-            [this, box, serial, &entry] { box->setChecked(entry.state(m_sdk, serial)); });
+            [box, camera, &entry] { box->setChecked((camera.*entry.state)()); });
         layout->addWidget(box, row, column++);
     }
 
@@ -103,12 +173,12 @@ void SimulatedCamerasWindow::addCamera(QGridLayout* layout, int row, const QStri
     temperature->setRange(-50.0, 100.0);
     temperature->setDecimals(1);
     temperature->setSuffix(tr(" \u00b0C"));
-    temperature->setValue(m_sdk.temperature(serial));
+    temperature->setValue(camera.temperature());
     connect(temperature, &QDoubleSpinBox::valueChanged, this,
-            [this, serial](double celsius) { m_sdk.setTemperature(serial, celsius); });
-    m_refreshers.emplace_back([this, temperature, serial] {
+            [camera](double celsius) { camera.setTemperature(celsius); });
+    m_refreshers.emplace_back([temperature, camera] {
         if (!temperature->hasFocus()) { // somebody may be typing
-            temperature->setValue(m_sdk.temperature(serial));
+            temperature->setValue(camera.temperature());
         }
     });
     layout->addWidget(temperature, row, column);

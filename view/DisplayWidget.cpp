@@ -1,6 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "view/DisplayWidget.h"
 
 #include "hotpixel/BadpixelListModel.h"
+#include "view/Rgb32Picture.h"
 
 #include <QItemSelectionModel>
 #include <QKeyEvent>
@@ -13,6 +15,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -66,6 +69,23 @@ protected:
     }
 };
 
+/// Makes each pixel a square of @p factor x @p factor. Each line is made once and copied: it is in
+/// the cache then, and writing is all that takes time.
+void enlarge(const QImage& picture, int factor, QImage& enlarged)
+{
+    for (int y = 0; y < picture.height(); ++y) {
+        const auto* from = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
+        auto* const line = reinterpret_cast<QRgb*>(enlarged.scanLine(y * factor));
+        auto* to = line;
+        for (int x = 0; x < picture.width(); ++x) {
+            to = std::fill_n(to, factor, from[x]);
+        }
+        for (int copy = 1; copy < factor; ++copy) {
+            std::copy(line, to, reinterpret_cast<QRgb*>(enlarged.scanLine(y * factor + copy)));
+        }
+    }
+}
+
 Qt::GlobalColor markColor(std::uint8_t pixelClass)
 {
     switch (pixelClass) {
@@ -114,28 +134,34 @@ void DisplayWidget::clear()
 
 void DisplayWidget::redrawImage()
 {
-    QImage picture = m_image.convertToFormat(QImage::Format_RGB32);
+    if (m_image.isNull()) {
+        return;
+    }
+    // The label gives up its picture, so that its memory serves the next one: most of the time
+    // would go into fetching new memory. Unscaled, that is the picture that marks are drawn into;
+    // scaled, this one is kept beside it.
+    QImage former = m_label->pixmap().toImage();
+    m_label->clear();
+    QImage kept = std::move(m_picture);
+    QImage picture =
+        view::toRgb32(m_image, shownSize(m_image.size()) == m_image.size() ? former : kept);
+    kept = QImage();
     if (picture.isNull()) {
         return;
     }
     if (m_highlight) {
         drawMarks(picture);
     }
-    // The label gives up its picture, so that its memory serves the next one: most of the time of
-    // an enlarged picture would go into fetching new memory.
-    QImage former = m_label->pixmap().toImage();
-    m_label->clear();
     QImage shown = scaled(picture, former);
     if (shown.isNull()) {
         m_scale /= 2.0;
         shown = scaled(picture, former);
         emit scaleChanged(cutToInt(m_scale));
     }
+    if (shown.constBits() != picture.constBits()) {
+        m_picture = std::move(picture);
+    }
     picture = QImage();
-    // Only an RGB32 frame that was neither marked nor scaled still shares the camera's memory,
-    // which the label must not show: the camera writes the next frame into it and frees it at
-    // closing.
-    shown.detach();
 
     m_label->setPixmap(QPixmap::fromImage(std::move(shown)));
     m_label->adjustSize();
@@ -205,26 +231,40 @@ void DisplayWidget::drawMarks(QImage& picture) const
     }
 }
 
+QSize DisplayWidget::shownSize(const QSize& size) const
+{
+    const QSize bounds =
+        m_scale == 0.0 ? QSize(width() - 2, height() - 2)
+                       : QSize(cutToInt(size.width() * m_scale), cutToInt(size.height() * m_scale));
+    return bounds.isEmpty() ? QSize()
+                            : size.scaled(bounds, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
+}
+
 QImage DisplayWidget::scaled(const QImage& picture, QImage& memory) const
 {
-    const QSize bounds = m_scale == 0.0 ? QSize(width() - 2, height() - 2)
-                                        : QSize(cutToInt(picture.width() * m_scale),
-                                                cutToInt(picture.height() * m_scale));
-    if (bounds.isEmpty()) {
+    const QSize size = shownSize(picture.size());
+    if (size.isEmpty()) {
         return {};
     }
-    const QSize size = picture.size().scaled(bounds, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
     if (size == picture.size()) {
         return picture;
     }
     // What QImage::scaled() with Qt::FastTransformation gives, in memory that is there already.
-    const bool reusable =
-        memory.size() == size && memory.format() == QImage::Format_RGB32 && memory.isDetached();
-    QImage result = reusable ? std::exchange(memory, QImage()) : QImage(size, QImage::Format_RGB32);
-    if (!result.isNull()) {
-        QPainter(&result).drawImage(result.rect(), picture);
+    QImage former = std::exchange(memory, QImage());
+    if (!view::isReusable(former, size)) {
+        former = QImage(); // before the new one is fetched: an enlarged picture takes a gigabyte
+        former = QImage(size, QImage::Format_RGB32);
     }
-    return result;
+    if (former.isNull()) {
+        return former;
+    }
+    const int factor = size.width() / picture.width();
+    if (size == picture.size() * factor) {
+        enlarge(picture, factor, former);
+    } else {
+        QPainter(&former).drawImage(former.rect(), picture);
+    }
+    return former;
 }
 
 std::optional<QPoint> DisplayWidget::imagePosition(const QPointF& viewportPosition) const
@@ -268,6 +308,9 @@ bool DisplayWidget::event(QEvent* event)
     QMouseEvent inViewport(mouse->type(), viewport()->mapFromParent(mouse->position()),
                            mouse->globalPosition(), mouse->button(), mouse->buttons(),
                            mouse->modifiers(), mouse->pointingDevice());
+    if (!viewport()->rect().contains(pixelUnder(inViewport.position()))) {
+        return QScrollArea::event(event); // on the frame or between the scroll bars: no image there
+    }
     if (mouse->type() == QEvent::MouseButtonPress) {
         mousePressEvent(&inViewport);
     } else {

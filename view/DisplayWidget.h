@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "camera/ImageInfo.h"
@@ -87,12 +88,14 @@ protected:
 
 private:
     void drawMarks(QImage& picture) const;
+    [[nodiscard]] QSize shownSize(const QSize& size) const;
     [[nodiscard]] QImage scaled(const QImage& picture, QImage& memory) const;
     [[nodiscard]] std::optional<QPoint> imagePosition(const QPointF& viewportPosition) const;
     void click(const QPoint& position);
 
     QLabel* m_label; // owned by the scroll area
     QImage m_image;
+    QImage m_picture; // memory for the next one, while it is shown at another scale
     ImageInfo m_bufferInfo;
     BadpixelListModel* m_model = nullptr;
     bool m_highlight = false;

@@ -1,4 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "view/Magnifier.h"
+
+#include "view/Rgb32Picture.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -22,9 +25,8 @@ int blocksAcross(int length, int zoom)
 
 /// How many pixels a click `distance` screen pixels right of (or below) the centre moves the focus.
 ///
-/// Deliberately asymmetric: to the right, blocks count from half a block beyond the centre; to the
-/// left, only whole blocks beyond the first. Evened out, a click would no longer move the focus by
-/// the number of pixels that technicians are used to.
+/// To the right, blocks count from half a block beyond the centre; to the left, only whole blocks
+/// beyond the first (behaviour.md: click-uneven).
 int clickedSteps(int distance, int zoom)
 {
     const int half = zoom / 2;
@@ -129,7 +131,7 @@ void Magnifier::setZoom(int zoom)
 
 void Magnifier::setImage(QImage& image)
 {
-    m_image = image.convertToFormat(QImage::Format_RGB32);
+    m_image = view::toRgb32(image, m_image);
     redrawImage();
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "view/MagnifierControl.h"
 
 #include "view/Magnifier.h"

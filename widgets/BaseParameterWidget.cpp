@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "widgets/BaseParameterWidget.h"
 
 #include <QLabel>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include <QObject>
@@ -36,8 +37,8 @@ public slots:
 protected:
     /// Clears a guard flag and emitEnabled for its lifetime, and sets both afterwards.
     ///
-    /// The flag is one per synchronising slot, shared by all instances on purpose: while one
-    /// widget's slot runs, the same slot of any other widget does nothing.
+    /// The flag is one per synchronising slot, shared by all instances (behaviour.md:
+    /// shared-guard).
     class Synchronising
     {
     public:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "widgets/DoubleParameterWidget.h"
 
 #include <QDoubleSpinBox>
@@ -46,8 +47,7 @@ void DoubleParameterWidget::changeValue(double value)
     const Synchronising synchronising(enabled, m_emitEnabled);
     const double minimum = m_spinBox->minimum();
     const double maximum = m_spinBox->maximum();
-    // The slider's signals are not blocked on purpose: where it moves, changeValueRelative() snaps
-    // the spin box to the slider's grid.
+    // The slider's signals are not blocked (behaviour.md: snap).
     slider()->setValue(truncated(slider()->maximum() * ((value - minimum) / (maximum - minimum))));
 }
 
@@ -84,7 +84,7 @@ void DoubleParameterWidget::setParam(CameraParameter<double>& param)
     const CameraParameter<double> given = param;
     m_spinBox->setMinimum(given.min);
     m_spinBox->setMaximum(given.max);
-    // Negative for every range, on purpose: the spin box refuses it and goes on in steps of 1.
+    // behaviour.md: negative-step
     m_spinBox->setSingleStep((given.min - given.max) / 100);
     m_spinBox->setValue(given.value);
     slider()->setMinimum(0);

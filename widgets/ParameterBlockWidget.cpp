@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "widgets/ParameterBlockWidget.h"
 
 #include "widgets/DoubleParameterWidget.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "widgets/ParameterWidget.h"
 
 #include <QSignalBlocker>

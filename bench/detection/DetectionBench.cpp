@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "detection/DetectionRun.h"
 #include "detection/HotpixelDetector.h"
 #include "hotpixel/BadpixelListModel.h"
@@ -44,15 +45,16 @@ QVector<QImage> darkFrames(int width, int height, int count)
     return frames;
 }
 
-/// What cannot be avoided: each byte is read once.
-std::uint32_t sumOfBytes(const QVector<QImage>& frames)
+/// What cannot be avoided: each byte is read once. Words of 64 bits, of which the compiler makes
+/// vector code that does nothing but read.
+std::uint64_t sumOfWords(const QVector<QImage>& frames)
 {
-    std::uint32_t sum = 0;
+    std::uint64_t sum = 0;
     for (const QImage& frame : frames) {
-        const uchar* bytes = frame.constBits();
-        const qsizetype count = frame.sizeInBytes();
-        for (qsizetype i = 0; i < count; ++i) {
-            sum += bytes[i];
+        const auto* words = reinterpret_cast<const std::uint64_t*>(frame.constBits());
+        const auto count = static_cast<std::size_t>(frame.sizeInBytes()) / sizeof *words;
+        for (std::size_t i = 0; i < count; ++i) {
+            sum += words[i];
         }
     }
     return sum;
@@ -111,7 +113,7 @@ void detection(benchmark::State& state)
     Times openCv;
 #endif
     for (auto _ : state) {
-        reading.add([&] { return sumOfBytes(frames); });
+        reading.add([&] { return sumOfWords(frames); });
         state.SetIterationTime(detection.add([&] { return detect(colorMode, frames); }));
 #ifdef VORN_HAS_OPENCV
         openCv.add([&] { return detectWithOpenCv(colorMode, frames, Threshold); });
@@ -134,7 +136,7 @@ void darknessCheck(benchmark::State& state)
     Times check;
     Times reading;
     for (auto _ : state) {
-        reading.add([&] { return sumOfBytes(frames); });
+        reading.add([&] { return sumOfWords(frames); });
         state.SetIterationTime(check.add([&] { return DetectionRun::isDark(frames.first()); }));
     }
     state.counters["check_ms"] = check.seconds() * 1e3;

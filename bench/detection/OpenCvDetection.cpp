@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "bench/detection/OpenCvDetection.h"
 
 #include <opencv2/core.hpp>

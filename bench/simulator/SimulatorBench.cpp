@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "camera/EventObject.h"
 #include "simulator/ModelledFrames.h"
 #include "simulator/SimulatedCameraSdk.h"
@@ -73,7 +74,7 @@ void liveCapture(benchmark::State& state)
     EventHandle event = createEventObject();
     sdk.initEvent(handle, event, camera::EventFrame);
     sdk.enableEvent(handle, camera::EventFrame);
-    sdk.setCovered(serial, state.range(0) != 0);
+    sdk.control(serial).setCovered(state.range(0) != 0);
     sdk.startLiveVideo(handle, camera::DontWait);
     constexpr int TimeoutMsec = 10000;
     waitForEventObject(event, TimeoutMsec); // draws the scene

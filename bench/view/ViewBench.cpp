@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListModel.h"
 #include "view/DisplayWidget.h"
 #include "view/Magnifier.h"
@@ -122,6 +123,31 @@ void redrawAtScaleFour(benchmark::State& state, QImage::Format format)
     });
 }
 
+/// The largest frame as it comes from a camera, drawn and put on the label.
+void redrawOf20Megapixels(benchmark::State& state, double scale)
+{
+    constexpr int LargeWidth = 5472;
+    constexpr int LargeHeight = 3648;
+    QImage frame(LargeWidth, LargeHeight, QImage::Format_Indexed8);
+    for (int i = 0; i < 256; ++i) {
+        frame.setColor(i, qRgb(i, i, i));
+    }
+    std::mt19937 random(3);
+    std::generate_n(frame.bits(), frame.sizeInBytes(),
+                    [&random] { return static_cast<uchar>(random()); });
+    BadpixelListModel model;
+    fillList(model);
+    DisplayWidget display;
+    display.resize(1000, 800);
+    display.setModel(&model);
+    display.setHighlight(true);
+    display.setScale(scale);
+    display.setImage(frame);
+    for (auto _ : state) {
+        state.SetIterationTime(secondsOf([&] { display.setImage(frame); }));
+    }
+}
+
 void magnifierMoves(benchmark::State& state)
 {
     QImage frame = noiseFrame(QImage::Format_Indexed8);
@@ -154,6 +180,18 @@ BENCHMARK_CAPTURE(redrawAtScaleOne, Rgb32, QImage::Format_RGB32)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK_CAPTURE(redrawAtScaleFour, Indexed8, QImage::Format_Indexed8)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(redrawOf20Megapixels, One, 1.0)
+    ->Iterations(9)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(redrawOf20Megapixels, Quarter, 0.25)
+    ->Iterations(9)
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(redrawOf20Megapixels, Four, 4.0)
+    ->Iterations(9)
     ->UseManualTime()
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(magnifierMoves)->Arg(5)->Arg(20)->Arg(100)->Unit(benchmark::kMicrosecond);

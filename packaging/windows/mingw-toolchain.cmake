@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Cross-compiles for 64-bit Windows with Debian's MinGW-w64. The -posix flavour is the one whose
 # standard library has threads.
 set(CMAKE_SYSTEM_NAME Windows)

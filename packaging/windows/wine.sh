@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # To be sourced: a Wine of our own, in the build folder. What runs in it sees an empty Windows.
 #
 #   wine_start    makes the prefix where there is none; call once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A library that stands in for the camera maker's "Vorn_api_64.dll": the same ordinals, and
 // simulated cameras behind them. Laid beside the unchanged program, it shows that the program works
 // through its real import table, where there is neither the maker's library nor a camera.

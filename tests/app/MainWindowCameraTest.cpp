@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/app/WindowTest.h"
 #include "view/DisplayWidget.h"
 #include "view/Magnifier.h"
@@ -177,6 +178,85 @@ TEST_F(MainWindowCamera, ALiveCaptureThatDoesNotStartIsShown)
     EXPECT_FALSE(sdk.isOpen());
 }
 
+TEST_F(MainWindowCamera, AnOpeningThatFailsWhileAnotherCameraIsOpenLeavesTheWindowAsAfterClose)
+{
+    sdk.devices[1].status = 0;
+    sdk.devices[1].openFailure = "initCamera";
+    open(0);
+    sendFrame(20);
+    call("updateStatus");
+    EXPECT_EQ(label("statusFrames"), "Frames: 1");
+    refresh();
+    open(1);
+    EXPECT_EQ(message(), "Could not initialize camera.");
+    EXPECT_FALSE(sdk.isOpen());
+    EXPECT_FALSE(statusTimer()->isActive());
+    EXPECT_TRUE(display()->widget()->isHidden());
+    EXPECT_TRUE(qobject_cast<QLabel*>(display()->widget())->pixmap(Qt::ReturnByValue).isNull());
+    EXPECT_TRUE(magnifier()->pixmap(Qt::ReturnByValue).isNull());
+    EXPECT_EQ(label("statusFrames"), "Frames: 0");
+    EXPECT_EQ(label("statusFailed"), "Failed: 0");
+    EXPECT_EQ(label("statusFps"), "FPS: 0");
+}
+
+TEST_F(MainWindowCamera, AnOpenCameraWhoseSecondStartFailsIsShownAsOpen)
+{
+    sdk.startsUntilFailure = 2; // the opening's, the correction's, and then the window's
+    open();
+    EXPECT_EQ(message(), "Error 7");
+    EXPECT_TRUE(sdk.isOpen());
+    EXPECT_FALSE(display()->widget()->isHidden());
+    EXPECT_TRUE(statusTimer()->isActive());
+    refresh();
+    EXPECT_EQ(cameraCommands(), "111111");
+}
+
+TEST_F(MainWindowCamera, ActionsFollowTheCameraThatSortingPutsUnderTheSelection)
+{
+    sdk.devices[1].status = 0;
+    open(0);
+    refresh();
+    EXPECT_EQ(cameraCommands(), "111111");
+    EXPECT_EQ(selectedRows(cameraView()), QList<int>({0}));
+    cameraView()->sortByColumn(2, Qt::DescendingOrder); // VX-2000 before VX-1300
+    EXPECT_EQ(selectedRows(cameraView()), QList<int>({0}));
+    EXPECT_EQ(status(0), "free");
+    EXPECT_EQ(cameraCommands(), "000000");
+    EXPECT_TRUE(action("&Open camera")->isEnabled());
+}
+
+/// Writes down each message that the status bar paints.
+class PaintedMessages final : public QObject
+{
+public:
+    explicit PaintedMessages(QStatusBar* bar)
+        : m_bar(bar)
+    {
+        bar->installEventFilter(this);
+    }
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override
+    {
+        if (event->type() == QEvent::Paint) {
+            texts.append(m_bar->currentMessage());
+        }
+        return false;
+    }
+    QStringList texts;
+
+private:
+    QStatusBar* m_bar;
+};
+
+TEST_F(MainWindowCamera, PaintsTheNoticeOfAFirmwareUploadBeforeTheUploadBlocks)
+{
+    sdk.devices[0].firmwareUploadMsec = 12900;
+    const PaintedMessages painted(child<QStatusBar>("statusBar"));
+    QStringList beforeTheUpload;
+    sdk.onUpload = [&] { beforeTheUpload = painted.texts; };
+    open();
+    EXPECT_TRUE(beforeTheUpload.contains("Upload of new firmware required. (approx. 12 seconds)"));
+}
+
 TEST_F(MainWindowCamera, TellsOfAFirmwareUploadBeforeItOpens)
 {
     sdk.devices[0].firmwareUploadMsec = 12900;
@@ -274,6 +354,43 @@ TEST_F(MainWindowCamera, ACameraPluggedBackIsSelectedAndShownAgain)
     EXPECT_EQ(cameraCommands(), "111111");
 }
 
+TEST_F(MainWindowCamera, ACameraPluggedBackIsSelectedWhenTheListKnewBeforeTheEventCame)
+{
+    open();
+    refresh();
+    sdk.devices[1].status = 0; // so that no row reads "in use"
+    const ScriptedSdk::Device device = sdk.devices[0];
+    sdk.devices[0].devId = 9; // it is gone, another one has come
+    sdk.devices[0].status = 0;
+    refresh();
+    sdk.devices[0] = device;
+    refresh();
+    refresh();
+    EXPECT_EQ(status(1), "opened");
+    EXPECT_EQ(selectedRows(cameraView()), QList<int>({0}));
+    sdk.sendEvent(camera::EventRemoved);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return display()->widget()->isHidden(); }, 20000));
+    sdk.sendEvent(camera::EventReconnected);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !display()->widget()->isHidden(); }, 20000));
+    EXPECT_EQ(selectedRows(cameraView()), QList<int>({1}));
+    EXPECT_EQ(cameraCommands(), "111111");
+}
+
+TEST_F(MainWindowCamera, ACameraPluggedBackShowsNothingUntilItsNextFrame)
+{
+    open();
+    sendFrame(20);
+    const auto* const picture = qobject_cast<QLabel*>(display()->widget());
+    EXPECT_FALSE(picture->pixmap(Qt::ReturnByValue).isNull());
+    sdk.sendEvent(camera::EventRemoved);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return picture->isHidden(); }, 20000));
+    sdk.sendEvent(camera::EventReconnected);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !picture->isHidden(); }, 20000));
+    EXPECT_TRUE(picture->pixmap(Qt::ReturnByValue).isNull());
+    sendFrame(20);
+    EXPECT_FALSE(picture->pixmap(Qt::ReturnByValue).isNull());
+}
+
 TEST_F(MainWindowCamera, AnUnpluggedAndAPluggedDeviceRefreshTheList)
 {
     sdk.devices.pop_back();
@@ -312,7 +429,7 @@ TEST_F(MainWindowCamera, StatusIgnoresAChangeOfTheListUntilItsTimerFires)
     add({30, 30});
     call("updateStatusBadpixel");
     EXPECT_EQ(label("statusUserCount"), "U: 1");
-    emit statusTimer()->timeout({});
+    ASSERT_TRUE(QMetaObject::invokeMethod(statusTimer(), "timeout"));
     EXPECT_EQ(label("statusUserCount"), "U: 2");
 }
 

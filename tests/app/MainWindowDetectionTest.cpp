@@ -1,5 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "detection/DetectionDialogue.h"
 #include "tests/app/WindowTest.h"
+#include "view/DisplayWidget.h"
 
 #include <QCheckBox>
 #include <QDialogButtonBox>
@@ -11,6 +13,7 @@
 #include <QStatusBar>
 #include <QTableView>
 #include <QTest>
+#include <QWindow>
 
 namespace {
 
@@ -222,19 +225,116 @@ TEST_F(MainWindowDetection, AStartAfterAFailureClearsItsErrorLine)
     EXPECT_EQ(count(), "Hotpixel detected: 0");
 }
 
-TEST_F(MainWindowDetection, AnUnplugDuringARunCountsItsEmptyImageAsAFrame)
+TEST_F(MainWindowDetection, AnUnplugStopsTheRunAfterItsEmptyImageWasCounted)
 {
+    const QSignalSpy progressed(window.get(), &MainWindow::detectionProgress);
     start();
     sendFrame(20);
     sdk.sendEvent(camera::EventRemoved);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return progress() == 20; }, 20000));
-    for (int i = 0; i < 9; ++i) {
-        sendFrame(20);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !isRunning(); }, 20000));
+    EXPECT_EQ(progressed.last().first().toInt(), 20);
+    EXPECT_EQ(progress(), 0);
+    EXPECT_EQ(error(), "The camera was disconnected.");
+    EXPECT_TRUE(dialogue()->isVisible());
+
+    // Plugged in again, the next run is one of its own.
+    sdk.sendEvent(camera::EventReconnected);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !display()->widget()->isHidden(); }, 20000));
+    press(QDialogButtonBox::Ok);
+    sendDarkFrames({{31, 21}});
+    EXPECT_FALSE(isRunning());
+    EXPECT_EQ(count(), "Hotpixel detected: 1");
+}
+
+TEST_F(MainWindowDetection, AnUnplugThatBringsTheEleventhImageLetsTheRunEndAsAnyOther)
+{
+    start();
+    for (int i = 0; i < 10; ++i) {
+        sendFrame(20, {{31, 21}});
     }
-    // The sizes differ, in the repeated detection too, so the run never ends.
-    EXPECT_EQ(message(), "Aqcuired images are not the same size.");
+    sdk.sendEvent(camera::EventRemoved);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !isRunning(); }, 20000));
+    EXPECT_EQ(count(), "Hotpixel detected: 1");
+    EXPECT_EQ(error(), "");
+    EXPECT_EQ(progress(), 100);
+}
+
+TEST_F(MainWindowDetection, EscapeStopsTheRunAndTheNextOneStartsAfresh)
+{
+    start();
+    sendFrame(20, {{50, 40}});
+    QTest::keyClick(dialogue(), Qt::Key_Escape);
+    EXPECT_FALSE(isRunning());
+    EXPECT_TRUE(dialogue()->isVisible());
+    EXPECT_EQ(error(), "Detection stopped.");
+    EXPECT_EQ(progress(), 0);
+    sendFrame(20);
+    EXPECT_EQ(progress(), 0);
+
+    press(QDialogButtonBox::Ok);
+    EXPECT_EQ(error(), "");
+    for (int i = 1; i <= 10; ++i) {
+        sendFrame(20, {{31, 21}});
+        EXPECT_EQ(progress(), 10 * i);
+    }
+    sendFrame(20);
+    EXPECT_EQ(badpixels(), QStringList({"3,4 ignore", "60,40 ignore", "10,20 user", "31,21 user"}));
+
+    QTest::keyClick(dialogue(), Qt::Key_Escape);
+    EXPECT_FALSE(dialogue()->isVisible());
+}
+
+TEST_F(MainWindowDetection, TheTitleBarStopsTheRun)
+{
+    start();
+    sendFrame(20);
+    dialogue()->windowHandle()->close();
+    EXPECT_FALSE(isRunning());
+    EXPECT_TRUE(dialogue()->isVisible());
+    EXPECT_EQ(error(), "Detection stopped.");
+    dialogue()->windowHandle()->close();
+    EXPECT_FALSE(dialogue()->isVisible());
+}
+
+TEST_F(MainWindowDetection, EscapeIsTheWayOutWhenBothEvaluationsFailed)
+{
+    sdk.colorMode = camera::ColorModeRgb32;
+    close();
+    open();
+    start();
+    sendDarkFrames({});
+    EXPECT_EQ(message(), "Image format for hotpixel detection not supported.");
     EXPECT_TRUE(isRunning());
-    EXPECT_EQ(badpixels().size(), 3);
+    QTest::keyClick(dialogue(), Qt::Key_Escape);
+    EXPECT_FALSE(isRunning());
+    EXPECT_EQ(error(), "Detection stopped.");
+    // The ten frames are dropped, so the next run collects its own.
+    child<QStatusBar>("statusBar")->clearMessage();
+    press(QDialogButtonBox::Ok);
+    sendFrame(20);
+    EXPECT_EQ(message(), "");
+    EXPECT_EQ(progress(), 10);
+}
+
+TEST_F(MainWindowDetection, ClosingOrOpeningACameraStopsTheRunAndDropsItsFrames)
+{
+    start();
+    sendFrame(20, {{50, 40}});
+    close();
+    EXPECT_FALSE(isRunning());
+    EXPECT_EQ(error(), "Detection stopped.");
+    EXPECT_EQ(progress(), 0);
+    press(QDialogButtonBox::Ok); // without a camera
+    EXPECT_TRUE(isRunning());
+    open();
+    EXPECT_FALSE(isRunning());
+    press(QDialogButtonBox::Ok);
+    for (int i = 0; i < 10; ++i) {
+        sendFrame(20, {{31, 21}});
+    }
+    EXPECT_TRUE(isRunning());
+    sendFrame(20);
+    EXPECT_EQ(count(), "Hotpixel detected: 1");
 }
 
 TEST_F(MainWindowDetection, FramesThatAreLeftFromAFailureAreEvaluatedAgain)

@@ -1,9 +1,11 @@
+// SPDX-License-Identifier: MIT
 #include "tests/app/WindowTest.h"
 #include "view/DisplayWidget.h"
 #include "view/Magnifier.h"
 #include "view/MagnifierControl.h"
 #include "widgets/ParameterBlockWidget.h"
 
+#include <QApplication>
 #include <QDockWidget>
 #include <QFile>
 #include <QGridLayout>
@@ -261,6 +263,44 @@ TEST_F(MainWindowFrame, AClickOnAHeaderSortsTheList)
     EXPECT_NE(once, twice);
     EXPECT_TRUE(once == ascending || once == descending);
     EXPECT_TRUE(twice == ascending || twice == descending);
+}
+
+TEST_F(MainWindowFrame, ADockThatIsRaisedGivesItsViewTheFocus)
+{
+    cameraView()->setFocus();
+    window->findChild<QDockWidget*>("BadpixelListDock")->raise();
+    EXPECT_EQ(QApplication::focusWidget(), badpixelView());
+    window->findChild<QDockWidget*>("CameraListDock")->raise();
+    EXPECT_EQ(QApplication::focusWidget(), cameraView());
+}
+
+TEST_F(MainWindowFrame, ARaisedDockThatTakesNoFocusTakesItFromTheHiddenList)
+{
+    auto* const properties = window->findChild<QDockWidget*>("CameraSliderDock");
+    auto* const cameras = window->findChild<QDockWidget*>("CameraListDock");
+    window->tabifyDockWidget(cameras, properties);
+    cameras->raise();
+    cameraView()->setFocus();
+    properties->raise(); // its controls are disabled without a camera
+    EXPECT_NE(QApplication::focusWidget(), cameraView());
+}
+
+TEST_F(MainWindowFrame, ATabLeadsOutOfAList)
+{
+    cameraView()->setFocus();
+    QTest::keyClick(cameraView(), Qt::Key_Tab);
+    EXPECT_NE(QApplication::focusWidget(), cameraView());
+}
+
+TEST_F(MainWindowFrame, ShortcutsWorkWithTheToolBarHidden)
+{
+    open();
+    window->findChild<QToolBar*>("mainToolBar")->hide();
+    QCoreApplication::processEvents();
+    add({30, 31});
+    EXPECT_EQ(badpixels().last(), "30,31 user");
+    QTest::keyClick(window.get(), Qt::Key_Delete);
+    EXPECT_EQ(badpixels().size(), 3);
 }
 
 TEST_F(MainWindowFrame, ALanguageChangeSetsItsTwoTitlesAgain)

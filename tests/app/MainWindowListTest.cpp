@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/app/WindowTest.h"
 #include "view/DisplayWidget.h"
 
@@ -5,11 +6,15 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QItemSelectionModel>
+#include <QLabel>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTranslator>
+
+#include <functional>
 
 namespace {
 
@@ -229,6 +234,173 @@ TEST_F(MainWindowList, ClearingSelectsNoneOfTheEntriesOnItsWay)
                                           Qt::DirectConnection, Q_ARG(bool, true), Q_ARG(int, 40)));
     EXPECT_EQ(moved.size(), before);
     EXPECT_EQ(badpixels(), QStringList({"3,4 ignore", "60,40 ignore"}));
+}
+
+/// Runs @p act and returns how often the image was drawn anew while the list changed and after.
+class MainWindowRedraws : public MainWindowList
+{
+protected:
+    void SetUp() override
+    {
+        sdk.devices[0].maxUserEntries = 100;
+        MainWindowList::SetUp();
+        for (int i = 0; i < 20; ++i) {
+            add({30 + i, 31});
+        }
+        sendFrame(20);
+    }
+
+    int redrawsOf(const std::function<void()>& act)
+    {
+        auto* const label = qobject_cast<QLabel*>(display()->widget());
+        // Each drawing gives the label a new pixmap.
+        QList<qint64> pictures{label->pixmap(Qt::ReturnByValue).cacheKey()};
+        const auto look = [&] {
+            const qint64 picture = label->pixmap(Qt::ReturnByValue).cacheKey();
+            if (picture != pictures.last()) {
+                pictures.append(picture);
+            }
+        };
+        QObject watcher;
+        const QAbstractItemModel* const model = badpixelView()->model();
+        QObject::connect(model, &QAbstractItemModel::rowsAboutToBeRemoved, &watcher, look);
+        QObject::connect(model, &QAbstractItemModel::rowsRemoved, &watcher, look);
+        QObject::connect(window.get(), &MainWindow::magnifierPositionChanged, &watcher, look);
+        act();
+        look();
+        return static_cast<int>(pictures.size()) - 1;
+    }
+
+    void clear() { action("Clear user hotpixel")->trigger(); }
+};
+
+TEST_F(MainWindowRedraws, ClearDrawsOnceWhereverTheSelectionIs)
+{
+    select(22); // the last one, as after Add
+    EXPECT_EQ(redrawsOf([&] { clear(); }), 1);
+    for (int i = 0; i < 20; ++i) {
+        add({30 + i, 31});
+    }
+    select(2); // the first one that goes
+    EXPECT_EQ(redrawsOf([&] { clear(); }), 1);
+    for (int i = 0; i < 20; ++i) {
+        add({30 + i, 31});
+    }
+    badpixelView()->clearSelection();
+    EXPECT_EQ(redrawsOf([&] { clear(); }), 1);
+}
+
+TEST_F(MainWindowRedraws, ClearOfADetectionDrawsOnce)
+{
+    select(22);
+    EXPECT_EQ(redrawsOf([&] {
+                  EXPECT_TRUE(QMetaObject::invokeMethod(window.get(), "startDetectingBadpixel",
+                                                        Qt::DirectConnection, Q_ARG(bool, true),
+                                                        Q_ARG(int, 40)));
+              }),
+              1);
+    EXPECT_EQ(badpixels(), QStringList({"3,4 ignore", "60,40 ignore"}));
+}
+
+TEST_F(MainWindowRedraws, LoadDrawsOnce)
+{
+    const QString name = listFile("5 6 1\n7 8 1\n");
+    select(22);
+    EXPECT_EQ(redrawsOf([&] { chooseFile("&Load hotpixel list", name); }), 1);
+    EXPECT_EQ(badpixels().size(), 4);
+}
+
+TEST_F(MainWindowRedraws, ALoadThatFailsDrawsOnce)
+{
+    select(22);
+    EXPECT_EQ(redrawsOf([&] {
+                  whileModal([&] { action("&Load hotpixel list")->trigger(); },
+                             {[&](QWidget* modal) {
+                                  auto* const dialogue = qobject_cast<QFileDialog*>(modal);
+                                  ASSERT_NE(dialogue, nullptr);
+                                  dialogue->setFileMode(QFileDialog::AnyFile);
+                                  dialogue->findChild<QLineEdit*>()->setText(
+                                      m_folder.filePath("missing.txt"));
+                                  static_cast<QDialog*>(dialogue)->accept();
+                              },
+                              [](QWidget* modal) {
+                                  EXPECT_EQ(pressInBox(modal, QMessageBox::Ok).text,
+                                            "Can't open file for reading.");
+                              }});
+              }),
+              1);
+}
+
+TEST_F(MainWindowRedraws, SortingDrawsOnce)
+{
+    select(3);
+    EXPECT_EQ(redrawsOf([&] { badpixelView()->sortByColumn(0, Qt::DescendingOrder); }), 1);
+}
+
+TEST_F(MainWindowList, DeleteFollowsTheEntryThatSortingPutsUnderTheSelection)
+{
+    chooseFile("&Load hotpixel list", listFile("90 6 2\n")); // 3, 60 and 90, which reads "factory"
+    select(0);
+    EXPECT_TRUE(deleteAction()->isEnabled());
+    badpixelView()->sortByColumn(0, Qt::DescendingOrder);
+    EXPECT_EQ(badpixels().first(), "90,6 factory");
+    EXPECT_EQ(selectedRows(badpixelView()), QList<int>({0}));
+    EXPECT_FALSE(deleteAction()->isEnabled());
+    badpixelView()->sortByColumn(0, Qt::AscendingOrder);
+    EXPECT_TRUE(deleteAction()->isEnabled());
+}
+
+TEST_F(MainWindowRedraws, ASelectionByKeyDrawsOnce)
+{
+    select(3);
+    badpixelView()->setFocus();
+    EXPECT_EQ(redrawsOf([&] { QTest::keyClick(badpixelView(), Qt::Key_Down); }), 1);
+    EXPECT_EQ(selectedRows(badpixelView()), QList<int>({4}));
+}
+
+TEST_F(MainWindowRedraws, AnAddedEntryAndAChangedClassDrawOnceEach)
+{
+    moveMagnifier({90, 50});
+    EXPECT_EQ(redrawsOf([&] { action("&Add hotpixel")->trigger(); }), 1);
+    EXPECT_EQ(redrawsOf([&] {
+                  badpixelView()->model()->setData(badpixelView()->model()->index(5, 2), "factory");
+              }),
+              1);
+}
+
+TEST_F(MainWindowList, ClearKeepsTheSelectionOfAnEntryThatStaysAndDelete)
+{
+    badpixelView()->sortByColumn(0, Qt::AscendingOrder); // 3, 10, 60
+    select(2);
+    EXPECT_TRUE(deleteAction()->isEnabled());
+    action("Clear user hotpixel")->trigger();
+    EXPECT_EQ(selectedRows(badpixelView()), QList<int>({1}));
+    EXPECT_TRUE(deleteAction()->isEnabled());
+}
+
+/// Gives every text of the program another one, so that no text can be meant where a word of the
+/// list is.
+class OtherLanguage final : public QTranslator
+{
+public:
+    [[nodiscard]] bool isEmpty() const override { return false; }
+    [[nodiscard]] QString translate(const char* /*context*/, const char* text,
+                                    const char* /*disambiguation*/, int /*n*/) const override
+    {
+        return QStringLiteral("~%1~").arg(QString::fromUtf8(text));
+    }
+};
+
+TEST_F(MainWindowList, NoTranslationLetsAFactoryEntryBeDeleted)
+{
+    chooseFile("&Load hotpixel list", listFile("5 6 2\n"));
+    OtherLanguage language;
+    QCoreApplication::installTranslator(&language);
+    select(2);
+    QCoreApplication::removeTranslator(&language);
+    EXPECT_EQ(badpixels().last(), "5,6 factory");
+    QAction* const found = window->findChild<QAction*>("actionDelete");
+    EXPECT_FALSE(found->isEnabled());
 }
 
 TEST_F(MainWindowList, WriteAsksFirst)

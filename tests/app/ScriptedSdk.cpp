@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/app/ScriptedSdk.h"
 
 #include <QMutexLocker>
@@ -73,7 +74,8 @@ std::int32_t ScriptedSdk::stopLiveVideo(Handle /*handle*/, std::int32_t waitMode
 
 std::int32_t ScriptedSdk::startLiveVideo(Handle /*handle*/, std::int32_t waitMode)
 {
-    return record("startLiveVideo", QString::number(waitMode));
+    const std::int32_t result = record("startLiveVideo", QString::number(waitMode));
+    return startsUntilFailure < 0 || startsUntilFailure-- > 0 ? result : Failure;
 }
 
 std::int32_t ScriptedSdk::setColorMode(Handle /*handle*/, std::int32_t mode)
@@ -209,6 +211,9 @@ std::int32_t ScriptedSdk::initCamera(Handle* handle, void* /*window*/)
     }
     if (device->firmwareUploadMsec != 0 && (*handle & UploadFlag) == 0) {
         return camera::FirmwareUploadNeeded;
+    }
+    if (device->firmwareUploadMsec != 0 && onUpload) {
+        onUpload();
     }
     m_open = &*device;
     ++m_open->status;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "camera/CameraSdk.h"
@@ -10,6 +11,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -54,6 +56,8 @@ public:
     std::int32_t colorMode = camera::ColorModeBayer8;
     double framesPerSecond = 1.5;
     bool failEveryWrite = false;
+    int startsUntilFailure = -1;    ///< live captures that start before one fails; -1 for all
+    std::function<void()> onUpload; ///< called by the opening that uploads the firmware
 
     std::int32_t stopLiveVideo(Handle handle, std::int32_t waitMode) override;
     std::int32_t startLiveVideo(Handle handle, std::int32_t waitMode) override;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/app/WindowTest.h"
 
 #include "detection/DetectionDialogue.h"

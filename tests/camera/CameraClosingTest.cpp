@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/camera/CameraFixture.h"
 
 namespace {

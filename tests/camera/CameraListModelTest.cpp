@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "camera/CameraListModel.h"
 
 #include "camera/Camera.h"
@@ -9,6 +10,8 @@
 
 #include <cstring>
 #include <optional>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace {
@@ -541,3 +544,41 @@ TEST_F(CameraListSort, IsKeptByLaterRefreshes)
 }
 
 } // namespace
+
+class ConnectedCameras : public CameraListFixture
+{
+protected:
+    std::string failure()
+    {
+        try {
+            static_cast<void>(camera::connectedCameras(sdk));
+        } catch (const std::runtime_error& error) {
+            return error.what();
+        }
+        return "no error";
+    }
+};
+
+TEST_F(ConnectedCameras, AreThoseOfTheSdkInItsOrder)
+{
+    cameras = {{7, 5, 1, "111", "One", 9}, {3, 16, 0, "22", "Second"}};
+    EXPECT_EQ(
+        camera::connectedCameras(sdk),
+        (QList<CameraItem>{{false, 7, 5, 9, 1, QStringLiteral("111"), QStringLiteral("One")},
+                           {false, 3, 16, 0, 0, QStringLiteral("22"), QStringLiteral("Second")}}));
+}
+
+TEST_F(ConnectedCameras, AreNoneWithoutAskingForTheirList)
+{
+    EXPECT_CALL(sdk, getCameraList).Times(0);
+    EXPECT_TRUE(camera::connectedCameras(sdk).isEmpty());
+}
+
+TEST_F(ConnectedCameras, CantBeToldApartFromNoneButByAnError)
+{
+    cameras = {{1, 1, 0}};
+    EXPECT_CALL(sdk, getCameraList).WillOnce(Return(1));
+    EXPECT_EQ(failure(), "Can't get camera list.");
+    EXPECT_CALL(sdk, getNumberOfCameras).WillOnce(Return(1));
+    EXPECT_EQ(failure(), "Can't get number of cameras.");
+}

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/camera/CameraFixture.h"
 
 #include <string>
@@ -177,6 +178,11 @@ TEST_F(CameraOpening, GoesOnWithoutASettingsFile)
                                                "-> displayError Can't open ini file. (2000)\n"
                                                "setColorMode(7, 11)\n"));
     EXPECT_TRUE(camera->isOpen());
+    EXPECT_EQ(camera->settingsResult(), camera::FileNotOpened);
+
+    sdk.results[QStringLiteral("loadParameters(7, ./VornHotpixelEditor.ini)")] = {0};
+    camera->open(5);
+    EXPECT_EQ(camera->settingsResult(), 0);
 }
 
 TEST_F(CameraOpening, GoesOnWithASettingsFileThatTheSdkRefuses)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/camera/CameraFixture.h"
 
 #include <functional>
@@ -240,22 +241,15 @@ TEST_F(CameraParameters, IgnoreWhatAReceiverFeedsBack)
     EXPECT_EQ(camera->exposure().value, 100.0);
 }
 
-TEST_F(CameraParameters, AreNotSetByReceiversOfWhatIsReadBack)
+TEST_F(CameraParameters, AreSetByReceiversOfWhatIsReadBack)
 {
-    QObject::connect(&*camera, &Camera::pixelclockChanged, &*camera,
-                     [this] { camera->setPixelclock(6); });
+    // As the control does when the rate lies above the cap: it shows the cap and says so.
+    sdk.framesPerSecond = 6.0;
     QObject::connect(&*camera, &Camera::framerateChanged, &*camera,
-                     [this] { camera->setFramerate(0.75); });
-    QObject::connect(&*camera, &Camera::exposureChanged, &*camera,
-                     [this] { camera->setExposure(6.0); });
-    QObject::connect(&*camera, &Camera::mastergainChanged, &*camera,
-                     [this] { camera->setMastergain(6); });
-    camera->updatePixelclock();
-    camera->updateMastergain();
-    EXPECT_EQ(camera->pixelclock().value, 22);
-    EXPECT_EQ(camera->framerate().value, 1.5);
-    EXPECT_EQ(camera->exposure().value, 66.0);
-    EXPECT_EQ(camera->mastergain().value, 13);
+                     [this] { camera->setFramerate(camera->framerate().max); });
+    camera->open(5);
+    EXPECT_EQ(camera->framerate().value, 2.0);
+    EXPECT_TRUE(sdk.takeCalls().contains(QStringLiteral("setFrameRate(7, 2)")));
 }
 
 TEST_F(CameraParameters, AreGuardedAcrossAllCameras)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "camera/CameraListModel.h"
 #include "camera/EventThread.h"
 #include "tests/camera/CameraFixture.h"

@@ -1,11 +1,18 @@
+// SPDX-License-Identifier: MIT
 #include "camera/EventObject.h"
 
+#include <QtGlobal>
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <set>
 #include <thread>
 #include <vector>
+
+#ifdef Q_OS_UNIX
+#include <csignal>
+#include <pthread.h>
+#endif
 
 namespace {
 
@@ -54,6 +61,33 @@ TEST(EventObject, WakesAThreadThatWaits)
     waiter.join();
     EXPECT_TRUE(woken);
 }
+
+#ifdef Q_OS_UNIX
+TEST(EventObject, IsWaitedForOnWhenASignalInterruptsTheWait)
+{
+    struct sigaction before = {};
+    struct sigaction nothing = {};
+    nothing.sa_handler = [](int) {}; // without SA_RESTART
+    ASSERT_EQ(sigaction(SIGUSR1, &nothing, &before), 0);
+    const EventHandle event = createEventObject();
+    const EventHandle never = createEventObject();
+    std::atomic<bool> woken = false;
+    std::atomic<bool> ended = false;
+    std::thread waiter([&] {
+        woken = waitForEventObject(event, LongMsec);
+        ended = true;
+    });
+    for (int i = 0; i < 50 && !ended; ++i) {
+        pthread_kill(waiter.native_handle(), SIGUSR1);
+        waitForEventObject(never, 1);
+    }
+    EXPECT_FALSE(ended);
+    signalEventObject(event);
+    waiter.join();
+    EXPECT_TRUE(woken);
+    sigaction(SIGUSR1, &before, nullptr);
+}
+#endif
 
 TEST(EventObject, CarriesWhatWasWrittenBeforeTheSignal)
 {

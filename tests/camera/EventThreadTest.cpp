@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "camera/EventThread.h"
 
 #include "tests/camera/MockCameraSdk.h"
@@ -279,13 +280,15 @@ TEST_F(EventThreadTermination, OfAThreadThatHasEndedDoesNothing)
     EXPECT_TRUE(thread.isFinished());
 }
 
-TEST_F(EventThreadTermination, DoesNotStrikeInACallOfTheSdk)
+TEST_F(EventThreadTermination, StrikesAfterTheCallOfTheSdkThatItCameInAndBeforeTheNext)
 {
-    ON_CALL(sdk, disableEvent).WillByDefault(Invoke([this](CameraSdk::Handle, std::int32_t) {
+    std::atomic<bool> returned = false;
+    ON_CALL(sdk, disableEvent).WillByDefault(Invoke([&](CameraSdk::Handle, std::int32_t) {
         pause();
+        returned = true;
         return 0;
     }));
-    EXPECT_CALL(sdk, exitEvent(7, 2)).Times(1);
+    EXPECT_CALL(sdk, exitEvent).Times(0);
     EventThread thread(sdk);
     thread.start(7, 2);
     thread.stop();
@@ -293,6 +296,7 @@ TEST_F(EventThreadTermination, DoesNotStrikeInACallOfTheSdk)
     thread.terminate();
     signalEventObject(goOn);
     EXPECT_TRUE(thread.wait(LongWait));
+    EXPECT_TRUE(returned);
 }
 
 TEST_F(EventThreadTermination, DoesNotStrikeInTheEmissionButInTheWaitAfterIt)

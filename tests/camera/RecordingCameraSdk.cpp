@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/camera/RecordingCameraSdk.h"
 
 #include <utility>

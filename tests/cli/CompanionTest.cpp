@@ -1,9 +1,11 @@
+// SPDX-License-Identifier: MIT
 #include "cli/Companion.h"
 
 #include "cli/Interruption.h"
 #include "tests/cli/EepromSdk.h"
 #include "tests/cli/RecordedConsole.h"
 
+#include <QCommandLineParser>
 #include <gtest/gtest.h>
 
 namespace {
@@ -12,15 +14,16 @@ namespace {
 class CompanionUse : public testing::Test
 {
 protected:
-    int run(const QStringList& arguments)
+    int run(const QStringList& arguments,
+            const std::vector<Command>& commands = Companion::allCommands())
     {
         const auto makeSdk = [this] {
             ++m_sdks;
             return std::make_unique<EepromSdk>();
         };
-        const SdkSwitch cover{QStringLiteral("cover"), QStringLiteral("Put the lens cap on."),
+        const SdkSwitch cover{QStringLiteral("cover"), QStringLiteral("Cover the camera."),
                               [](CameraSdk&, std::uint32_t) {}};
-        Companion companion(makeSdk, {cover}, m_recorded.console(), m_interruption);
+        Companion companion(makeSdk, {cover}, m_recorded.console(), m_interruption, commands);
         return companion.run(QStringList(QStringLiteral("/usr/bin/vorn-hotpixel")) + arguments);
     }
 
@@ -69,7 +72,7 @@ TEST_F(CompanionUse, NamesCommandsAndOptionsInItsHelp)
     }
     run(words("detect --help"));
     for (const char* option :
-         {"--threshold N", "--clear", "--auto", "--out FILE", "--write", "--yes", "--cover"}) {
+         {"--threshold <N>", "--clear", "--auto", "--out <FILE>", "--write", "--yes", "--cover"}) {
         EXPECT_TRUE(m_recorded.out().contains(option)) << option;
     }
 }
@@ -154,4 +157,46 @@ TEST_F(CompanionUse, FailsWhenTheResultsCantBeWritten)
     }
     std::fclose(full);
     std::fclose(err);
+}
+
+// What a further command needs is its record alone.
+TEST_F(CompanionUse, RunsAnyCommandThatItIsGiven)
+{
+    const Command compare{.name = QStringLiteral("compare"),
+                          .arguments = {QStringLiteral("FIRST"), QStringLiteral("OTHER...")},
+                          .summary = QStringLiteral("Compare files."),
+                          .description = QStringLiteral("Compares files with each other."),
+                          .options =
+                              [](const std::vector<SdkSwitch>& switches) {
+                                  return QList<QCommandLineOption>{
+                                      {QStringLiteral("deep"), QStringLiteral("Look closely.")},
+                                      {switches.front().name, switches.front().description}};
+                              },
+                          .run =
+                              [](const QStringList& values, const QCommandLineParser& parser,
+                                 CommandContext& context) {
+                                  Report report(context.console, context.json);
+                                  report.line(values.join(u'|') +
+                                              (parser.isSet(QStringLiteral("deep"))
+                                                   ? QStringLiteral(" deep")
+                                                   : QString()));
+                                  report.insert("files", values.size());
+                              }};
+    EXPECT_EQ(run(words("compare a b"), {compare}), Companion::Succeeded);
+    EXPECT_EQ(run(words("compare --deep a b c d"), {compare}), Companion::Succeeded);
+    EXPECT_EQ(run(words("compare a b c --json"), {compare}), Companion::Succeeded);
+    EXPECT_EQ(m_recorded.out(), QByteArray("a|b\na|b|c|d deep\n{\"files\":3}\n"));
+    EXPECT_EQ(m_sdks, 0) << "it did not ask for the SDK";
+
+    EXPECT_EQ(run(words("compare a"), {compare}), Companion::WrongUse);
+    EXPECT_EQ(run(words("read 1"), {compare}), Companion::WrongUse);
+    EXPECT_EQ(m_recorded.err(),
+              QByteArray("vorn-hotpixel: OTHER is missing. See \"vorn-hotpixel compare --help\".\n"
+                         "vorn-hotpixel: There is no command \"read\". See \"vorn-hotpixel "
+                         "--help\".\n"));
+    EXPECT_EQ(run(words("compare --help"), {compare}), Companion::Succeeded);
+    EXPECT_TRUE(
+        m_recorded.out().contains("Usage: vorn-hotpixel compare FIRST OTHER... [options]\n\n"
+                                  "Compares files with each other.\n\n"));
+    EXPECT_TRUE(m_recorded.out().contains("--cover"));
 }

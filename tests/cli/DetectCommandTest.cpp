@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cli/CameraSession.h"
 #include "cli/Command.h"
 #include "cli/Companion.h"
@@ -11,6 +12,7 @@
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QJsonObject>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
@@ -52,7 +54,7 @@ public:
         if (result == 0 && keepFrames) {
             const auto* pixels = reinterpret_cast<const std::uint8_t*>(*memory);
             frames.emplace_back(pixels, pixels + m_camera.width * m_camera.height);
-            knownHotPixels = m_simulated.knownHotPixels(m_camera.serial);
+            knownHotPixels = m_simulated.control(m_camera.serial).knownHotPixels();
         }
         onFrame();
         return result;
@@ -71,7 +73,7 @@ public:
         : camera(std::move(description))
         , simulated({{camera}, speed, home.path(), {}})
     {
-        simulated.setCovered(camera.serial, true);
+        simulated.control(camera.serial).setCovered(true);
     }
 
     /// Runs the companion with --json; @p prepare gets the SDK before.
@@ -283,16 +285,16 @@ TEST(DetectCommand, StopsWhenTheCameraIsUnplugged)
 {
     DetectingCompanion companion(smallCamera(), 20);
     int frames = 0;
-    const QJsonObject result =
-        companion.run({QStringLiteral("detect"), QStringLiteral("1"), QStringLiteral("--write"),
-                       QStringLiteral("--yes")},
-                      [&](ObservedSdk& sdk) {
-                          sdk.onFrame = [&] {
-                              if (++frames == 4) {
-                                  companion.simulated.setPlugged(companion.camera.serial, false);
-                              }
-                          };
-                      });
+    const QJsonObject result = companion.run(
+        {QStringLiteral("detect"), QStringLiteral("1"), QStringLiteral("--write"),
+         QStringLiteral("--yes")},
+        [&](ObservedSdk& sdk) {
+            sdk.onFrame = [&] {
+                if (++frames == 4) {
+                    companion.simulated.control(companion.camera.serial).setPlugged(false);
+                }
+            };
+        });
     EXPECT_EQ(companion.status, Companion::CommandFailed);
     EXPECT_EQ(result[QStringLiteral("outcome")].toString(), QStringLiteral("unplugged"));
     EXPECT_TRUE(companion.errors.endsWith("vorn-hotpixel: The camera was unplugged.\n"))
@@ -323,9 +325,10 @@ TEST(LiveDetection, GivesUpWhenNoImagesCome)
     RecordedConsole recorded;
     Interruption interruption;
     const std::vector<SdkSwitch> switches;
-    CommandContext context{companion.simulated, switches, recorded.console(), interruption, false};
+    CommandContext context{[&]() -> CameraSdk& { return companion.simulated; }, switches,
+                           recorded.console(), interruption, false};
     CameraSession session(context, QStringLiteral("1"));
-    companion.simulated.setDropFrames(companion.camera.serial, true);
+    companion.simulated.control(companion.camera.serial).setDropFrames(true);
     BadpixelListModel list;
     LiveDetection detection(session, list, context);
     detection.setLeastPatience(std::chrono::milliseconds(100));
@@ -341,7 +344,8 @@ TEST(LiveDetection, DoesNotBeginWhenTheEndWasAskedForBefore)
     RecordedConsole recorded;
     Interruption interruption;
     const std::vector<SdkSwitch> switches;
-    CommandContext context{companion.simulated, switches, recorded.console(), interruption, false};
+    CommandContext context{[&]() -> CameraSdk& { return companion.simulated; }, switches,
+                           recorded.console(), interruption, false};
     CameraSession session(context, QStringLiteral("1"));
     interruption.request();
     BadpixelListModel list;

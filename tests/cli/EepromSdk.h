@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "camera/CameraSdk.h"
@@ -19,6 +20,7 @@ public:
         RefuseFromThenOn,  ///< as if the cable had been pulled
         Tear,              ///< a write that stores half of the list and fails
         StoreOther,        ///< a write that stores another list and succeeds
+        StoreChanged,      ///< a write that stores as many entries, one of them wrong, and succeeds
         StoreAndFail       ///< a write that stores the list and fails all the same
     };
 
@@ -29,8 +31,11 @@ public:
     std::int32_t capacity = 10;
     Fault fault = Fault::None;
     int faultyCall = 0;
+    int unlikeWrites = 0; ///< how many writes, from the first on, store one entry wrong and succeed
     int calls = 0;
     int writes = 0;
+    int deletions = 0;    ///< those of the writes that delete the list
+    bool explains = true; ///< whether it has a text for what went wrong
 
     /// Called before each command that changes the EEPROM.
     std::function<void()> beforeChange = [] {};
@@ -42,7 +47,12 @@ public:
         const bool changes = command == camera::SetUserList || command == camera::DeleteUserList;
         if (changes) {
             ++writes;
+            deletions += command == camera::DeleteUserList ? 1 : 0;
             beforeChange();
+        }
+        if (changes && writes <= unlikeWrites) {
+            storeChanged(command, buffer);
+            return 0;
         }
         const bool struck =
             fault == Fault::RefuseFromThenOn ? calls >= faultyCall : calls == faultyCall;
@@ -66,8 +76,13 @@ public:
                 return FaultCode;
             case Fault::StoreOther:
                 if (changes) {
-                    store(command, buffer);
-                    user.push_back({1, 1, UserPixel});
+                    storeOther(command, buffer);
+                    return 0;
+                }
+                break;
+            case Fault::StoreChanged:
+                if (changes) {
+                    storeChanged(command, buffer);
                     return 0;
                 }
                 break;
@@ -99,7 +114,7 @@ public:
     {
         static char tired[] = "The EEPROM is tired.";
         *text = tired;
-        return *code == FaultCode ? 0 : 1;
+        return explains && *code == FaultCode ? 0 : 1;
     }
 
     // No camera behind it.
@@ -155,6 +170,20 @@ private:
             *words++ = entry.y;
         }
         return 0;
+    }
+
+    void storeOther(std::int32_t command, const void* buffer)
+    {
+        store(command, buffer);
+        user.push_back({1, 1, UserPixel});
+    }
+
+    void storeChanged(std::int32_t command, const void* buffer)
+    {
+        store(command, buffer);
+        if (!user.empty()) {
+            user.back().y ^= 1U;
+        }
     }
 
     void store(std::int32_t command, const void* buffer)

@@ -1,6 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "cli/GuardedWrite.h"
 
-#include "cli/CommandError.h"
+#include "camera/Camera.h"
 #include "hotpixel/BadpixelListFile.h"
 #include "tests/cli/EepromSdk.h"
 
@@ -31,7 +32,7 @@ struct Bench
 
     GuardedWrite guardedWrite()
     {
-        return {CameraLists(sdk, 1), QStringLiteral("4102/7"), folder()};
+        return {CameraLists(camera), QStringLiteral("4102/7"), folder()};
     }
 
     [[nodiscard]] QString folder() const { return home.filePath(QStringLiteral("backups")); }
@@ -43,13 +44,14 @@ struct Bench
         try {
             write.check(list);
             backup = write.write();
-        } catch (const cli::CommandError& error) {
+        } catch (const std::runtime_error& error) {
             return QString::fromUtf8(error.what());
         }
         return {};
     }
 
     EepromSdk sdk;
+    Camera camera{sdk};
     QTemporaryDir home;
     QString backup;
 };
@@ -85,6 +87,7 @@ TEST(GuardedWrite, DeletesTheListForNoEntries)
     Bench bench;
     EXPECT_EQ(bench.replaceBy({}), QString());
     EXPECT_TRUE(bench.sdk.user.empty());
+    EXPECT_EQ(bench.sdk.deletions, 1) << "a list of no entries is not a list that a camera takes";
     EXPECT_EQ(hotpixel::readListFile(bench.backup), OldList);
 }
 
@@ -137,6 +140,16 @@ TEST(GuardedWrite, WritesNothingWhenTheOldListCantBeRead)
     }
 }
 
+TEST(GuardedWrite, TakesNoTextFromAnSdkThatDoesNotKnowTheError)
+{
+    Bench bench;
+    bench.sdk.explains = false;
+    bench.sdk.fault = Fault::Refuse;
+    bench.sdk.faultyCall = 2;
+    EXPECT_EQ(bench.replaceBy(NewList),
+              QStringLiteral("Can't read the camera's user list: Unknown error."));
+}
+
 TEST(GuardedWrite, WritesNothingWhenTheCapacityCantBeRead)
 {
     Bench bench;
@@ -179,6 +192,39 @@ TEST(GuardedWrite, PutsTheOldListBackWhenTheCameraStoredAnother)
     EXPECT_EQ(bench.sdk.user, OldList);
 }
 
+TEST(GuardedWrite, ComparesTheEntriesAndNotOnlyTheirNumber)
+{
+    Bench bench;
+    bench.sdk.fault = Fault::StoreChanged;
+    bench.sdk.faultyCall = 4;
+    const QString text = bench.replaceBy(NewList);
+    EXPECT_TRUE(
+        text.startsWith(QStringLiteral("The camera did not store the list as it was written.")))
+        << qPrintable(text);
+    EXPECT_EQ(bench.sdk.user, OldList);
+}
+
+TEST(GuardedWrite, TriesThreeTimesToPutTheOldListBack)
+{
+    Bench bench;
+    bench.sdk.unlikeWrites = 3; // the new list and two attempts
+    const QString text = bench.replaceBy(NewList);
+    EXPECT_TRUE(text.contains(QStringLiteral("The camera holds the old list"))) << qPrintable(text);
+    EXPECT_EQ(bench.sdk.user, OldList);
+    EXPECT_EQ(bench.sdk.writes, 4);
+}
+
+TEST(GuardedWrite, GivesUpPuttingTheOldListBackAfterTheThirdTime)
+{
+    Bench bench;
+    bench.sdk.unlikeWrites = 100;
+    const QString text = bench.replaceBy(NewList);
+    EXPECT_TRUE(text.contains(QStringLiteral(
+        "The old list could not be put back (the camera did not store it); it is in ")))
+        << qPrintable(text);
+    EXPECT_EQ(bench.sdk.writes, 4);
+}
+
 TEST(GuardedWrite, DoesNotWriteASecondTimeWhenTheFirstOneWasRefusedAsAWhole)
 {
     Bench bench;
@@ -212,7 +258,7 @@ TEST(GuardedWrite, LeavesTheOldOrTheNewListWhateverGoesWrong)
         for (const Entries& wanted : lists) {
             for (const Fault fault :
                  {Fault::Refuse, Fault::RefuseWithGarbage, Fault::RefuseFromThenOn, Fault::Tear,
-                  Fault::StoreOther, Fault::StoreAndFail}) {
+                  Fault::StoreOther, Fault::StoreChanged, Fault::StoreAndFail}) {
                 bool reached = true;
                 for (int call = 1; reached; ++call) {
                     Bench bench(old);

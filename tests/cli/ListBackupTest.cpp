@@ -1,12 +1,37 @@
-#include "cli/ListBackup.h"
-
-#include "cli/CommandError.h"
+// SPDX-License-Identifier: MIT
+#include "cli/Command.h"
+#include "cli/ListFiles.h"
 
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
+
+#include <functional>
+
+#ifdef VORN_WATCHED_DISK
+#include <cerrno>
+#include <unistd.h>
+
+namespace {
+
+/// What happens to the file that is put on the disk: the linker puts the function below into the
+/// place of fsync() for this program.
+std::function<int(int)> s_onSync;
+
+} // namespace
+
+// NOLINTBEGIN(bugprone-reserved-identifier): the linker's names
+extern "C" int __real_fsync(int descriptor);
+extern "C" int __wrap_fsync(int descriptor);
+
+int __wrap_fsync(int descriptor)
+{
+    return s_onSync ? s_onSync(descriptor) : __real_fsync(descriptor);
+}
+// NOLINTEND(bugprone-reserved-identifier)
+#endif
 
 namespace {
 
@@ -30,6 +55,59 @@ TEST(ListBackup, IsAListFileNamedAfterCameraAndTime)
     EXPECT_EQ(fileName, folder + QStringLiteral("/4102700502-user-list-20260309-070502.txt"));
     EXPECT_EQ(contentOf(fileName), QByteArray("1 2 1\n65535 0 1\n"));
 }
+
+#ifdef VORN_WATCHED_DISK
+
+/// The text of what saving in @p folder throws while @p onSync stands for the disk.
+static QString errorWith(const QString& folder, const std::function<int(int)>& onSync)
+{
+    s_onSync = onSync;
+    QString error;
+    try {
+        cli::saveBackup(folder, QStringLiteral("7"), Time, Entries);
+    } catch (const cli::CommandError& thrown) {
+        error = QString::fromUtf8(thrown.what());
+    }
+    s_onSync = nullptr;
+    return error;
+}
+
+TEST(ListBackup, IsOnTheDiskBeforeItHasItsName)
+{
+    const QTemporaryDir home;
+    QStringList namesThen{QStringLiteral("never put on the disk")};
+    const QString error = errorWith(home.path(), [&](int descriptor) {
+        namesThen = QDir(home.path()).entryList(QDir::Files);
+        return __real_fsync(descriptor);
+    });
+    EXPECT_EQ(error, QString());
+    EXPECT_EQ(namesThen, QStringList());
+    EXPECT_EQ(QDir(home.path()).entryList(QDir::Files).size(), 1);
+}
+
+TEST(ListBackup, FailsWhenTheDiskFails)
+{
+    const QTemporaryDir home;
+    const QString error = errorWith(home.path(), [](int /*descriptor*/) {
+        errno = EIO;
+        return -1;
+    });
+    EXPECT_TRUE(error.startsWith(QStringLiteral("Can't save the old list in ")))
+        << qPrintable(error);
+    EXPECT_TRUE(QDir(home.path()).isEmpty(QDir::Files | QDir::Hidden));
+}
+
+TEST(ListBackup, FailsWhenTheFileDoesNotHoldWhatWasWritten)
+{
+    const QTemporaryDir home;
+    const QString error =
+        errorWith(home.path(), [](int descriptor) { return ftruncate(descriptor, 6); });
+    EXPECT_TRUE(error.endsWith(QStringLiteral("the file does not hold what was written.")))
+        << qPrintable(error);
+    EXPECT_TRUE(QDir(home.path()).isEmpty(QDir::Files | QDir::Hidden));
+}
+
+#endif
 
 TEST(ListBackup, NeverTouchesAFileThatIsThere)
 {

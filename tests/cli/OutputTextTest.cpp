@@ -1,7 +1,6 @@
+// SPDX-License-Identifier: MIT
+#include "cli/Console.h"
 #include "cli/EntryText.h"
-#include "cli/FindingsReport.h"
-#include "cli/HelpText.h"
-#include "cli/ProgressBar.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -66,32 +65,6 @@ TEST(FindingsReport, CountsEachBayerPlane)
                          R"("oddColumns":true,"oddRows":false})"));
 }
 
-TEST(HelpText, WrapsParagraphsAndKeepsTheirBreaks)
-{
-    const QString word(30, u'w');
-    EXPECT_EQ(cli::wrapped(word + u' ' + word + u' ' + word, 2),
-              QStringLiteral("  %1 %1\n  %1\n").arg(word));
-    EXPECT_EQ(cli::wrapped(QStringLiteral("one\n\ntwo"), 0), QStringLiteral("one\n\ntwo\n"));
-}
-
-TEST(HelpText, PutsExplanationsBesideNames)
-{
-    EXPECT_EQ(cli::itemText({{QStringLiteral("a"), QStringLiteral("first")},
-                             {QStringLiteral("long"), QStringLiteral("second")}}),
-              QStringLiteral("  a     first\n  long  second\n"));
-}
-
-TEST(HelpText, ShowsOptionsAsTheyAreTyped)
-{
-    const QList<cli::HelpItem> items = cli::optionItems(
-        {{{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Help.")},
-         {QStringLiteral("out"), QStringLiteral("Save."), QStringLiteral("FILE")}});
-    ASSERT_EQ(items.size(), 2);
-    EXPECT_EQ(items[0].name, QStringLiteral("-h, --help"));
-    EXPECT_EQ(items[1].name, QStringLiteral("--out FILE"));
-    EXPECT_EQ(items[1].explanation, QStringLiteral("Save."));
-}
-
 TEST(ProgressLine, FillsTheBarStepByStep)
 {
     const QString line = QStringLiteral("Frames [%1%2] %3/10");
@@ -121,4 +94,23 @@ TEST(ProgressLine, MovesAMarkThereAndBackWhenTheEndIsUnknown)
     EXPECT_EQ(mark(54), 0);
     EXPECT_EQ(cli::progressLine(QStringLiteral("F"), 0, 0, 27),
               QStringLiteral("F [%1###]").arg(QString(27, u'.')));
+}
+
+TEST(ProgressLine, FitsIntoANarrowTerminal)
+{
+    const QString label = QStringLiteral("Taking dark frames");
+    for (int width = 10; width <= 100; ++width) {
+        for (const int total : {0, 11}) {
+            const QString line = cli::progressLine(label, 10, total, 3, width);
+            EXPECT_LE(line.size(), width) << qPrintable(line);
+            EXPECT_TRUE(line.startsWith(label.left(4))) << qPrintable(line);
+            EXPECT_EQ(line.endsWith(QStringLiteral(" 10/11")), total > 0) << qPrintable(line);
+        }
+    }
+    EXPECT_EQ(cli::progressLine(label, 4, 8, 0, 37),
+              QStringLiteral("Taking dark frames [######......] 4/8"));
+    EXPECT_EQ(cli::progressLine(label, 4, 8, 0, 29), QStringLiteral("Taking dark frames 4/8"))
+        << "a bar of four characters shows nothing";
+    EXPECT_EQ(cli::progressLine(label, 0, 0, 0, 30),
+              QStringLiteral("Taking dark frames [###......]"));
 }

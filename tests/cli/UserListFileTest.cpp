@@ -1,6 +1,6 @@
-#include "cli/UserListFile.h"
-
-#include "cli/CommandError.h"
+// SPDX-License-Identifier: MIT
+#include "cli/Command.h"
+#include "cli/ListFiles.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -73,15 +73,32 @@ TEST_F(UserListFile, MayBeEmpty)
 
 TEST_F(UserListFile, IsRefusedWithTheNumberOfTheFirstLineThatIsNoUserEntry)
 {
-    for (const char* line :
-         {"", "5 6", "5 6 0", "5 6 2", "5 6 257", "5 6 -1", "-5 6 1", "65536 6 1", "5 70000 1",
-          "99999999999999999999 6 1", "x y 1", "5,6,1", "5 6 1x", "5.0 6 1", "0x5 6 1", "012 6 1",
-          "5 00 1", "5 6 01", "\xff\xfe"}) {
+    for (const char* line : {"", "5 6", "5 6 0", "5 6 2", "5 6 257", "5 6 -1", "-5 6 1",
+                             "65536 6 1", "5 70000 1", "99999999999999999999 6 1", "x y 1", "5,6,1",
+                             "5 6 1x", "5.0 6 1", "0x5 6 1", "012x 6 1", "\xff\xfe"}) {
         write(QByteArray("1 2 1\n") + line + "\n3 4 1\n");
         EXPECT_EQ(failure(fileName()),
                   fileName() + QStringLiteral(", line 2: this is no user entry (x, y and the class "
                                               "1)."))
             << line;
+    }
+}
+
+TEST_F(UserListFile, IsRefusedForANumberWithALeadingZero)
+{
+    const struct
+    {
+        const char* line;
+        const char* number;
+    } cases[] = {{"012 3 1", "012"},         {"5 00 1", "00"},       {"5 6 01", "01"},
+                 {"\t070000 1 1", "070000"}, {"5 099 1 hot", "099"}, {"5 6 01\r", "01"}};
+    for (const auto& [line, number] : cases) {
+        write(QByteArray("1 2 1\n") + line + "\n3 4 1\n");
+        EXPECT_EQ(
+            failure(fileName()),
+            QStringLiteral("%1, line 2: %2 has a leading zero, with which the editor reads it "
+                           "as octal.")
+                .arg(fileName(), QLatin1String(number)));
     }
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "detection/BadpixelDetector.h"
 
 #include "tests/detection/Frames.h"
@@ -102,26 +103,6 @@ TEST(BadpixelDetectorVisitors, DivTruncates)
         unsigned int element = sum;
         divide(element);
         EXPECT_EQ(element, mean) << sum;
-    }
-}
-
-TEST(BadpixelDetectorVisitors, WorkOn16BitSumsAsOnElements)
-{
-    const unsigned char pixel = 200;
-    quint16 element = 77;
-    BadpixelDetector::CopyIterator()(element, &pixel);
-    EXPECT_EQ(element, 200);
-    BadpixelDetector::SumIterator()(element, &pixel);
-    EXPECT_EQ(element, 400);
-
-    // All sums that up to 257 bytes can have.
-    for (unsigned divisor = 1; divisor <= 257; ++divisor) {
-        const BadpixelDetector::DivIterator divide(divisor);
-        for (unsigned sum = 0; sum <= 255 * divisor; ++sum) {
-            auto mean = static_cast<quint16>(sum);
-            divide(mean);
-            ASSERT_EQ(mean, sum / divisor) << sum << " / " << divisor;
-        }
     }
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "detection/DetectionDialogue.h"
 
 #include <QCheckBox>
@@ -10,6 +11,7 @@
 #include <QSlider>
 #include <QSpinBox>
 #include <QTest>
+#include <QWindow>
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -199,14 +201,51 @@ TEST_F(DetectionDialogueTest, DisablesItsControlsDuringARun)
     EXPECT_TRUE(m_dialogue.isModal()) << "new window flags keep the modality";
 }
 
-TEST_F(DetectionDialogueTest, EscapeDoesNotCloseItDuringARun)
+TEST_F(DetectionDialogueTest, EscapeAsksToStopDuringARunAndClosesOtherwise)
 {
+    const QSignalSpy stopped(&m_dialogue, &DetectionDialogue::stopDetect);
     clickStart();
     QTest::keyClick(&m_dialogue, Qt::Key_Escape);
+    EXPECT_EQ(stopped.count(), 1);
+    expectRunning(true);
+    m_dialogue.abortDetect();
+    QTest::keyClick(&m_dialogue, Qt::Key_Escape);
+    EXPECT_EQ(stopped.count(), 1);
+    EXPECT_FALSE(m_dialogue.isVisible());
+}
+
+TEST_F(DetectionDialogueTest, TitleBarAsksToStopDuringARunAndClosesOtherwise)
+{
+    const QSignalSpy stopped(&m_dialogue, &DetectionDialogue::stopDetect);
+    clickStart();
+    EXPECT_FALSE(m_dialogue.windowHandle()->close());
+    EXPECT_EQ(stopped.count(), 1);
     expectRunning(true);
     m_dialogue.finishDetect();
-    QTest::keyClick(&m_dialogue, Qt::Key_Escape);
+    EXPECT_TRUE(m_dialogue.windowHandle()->close());
+    EXPECT_EQ(stopped.count(), 1);
     EXPECT_FALSE(m_dialogue.isVisible());
+}
+
+TEST_F(DetectionDialogueTest, ShowsTheWholeOfItsLongestMessageAtItsLeastWidth)
+{
+    m_dialogue.resize(1, 1);
+    const QLabel* const line = m_dialogue.messageLabel();
+    for (const char* text : {"Color mode for hotpixel detection not supported. Please restart "
+                             "detection.",
+                             "Can't add more than 32767 hotpixel entries. Please restart "
+                             "detection."}) {
+        m_dialogue.setMessage(text);
+        const QSize needed =
+            line->fontMetrics()
+                .boundingRect(QRect(0, 0, line->width(), 1000), Qt::TextWordWrap, line->text())
+                .size();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return line->height() >= needed.height(); })) << text;
+        EXPECT_LE(needed.width(), line->width()) << text;
+        EXPECT_EQ(m_dialogue.width(), 400);
+        EXPECT_TRUE(m_dialogue.rect().contains(
+            line->geometry().translated(line->parentWidget()->mapTo(&m_dialogue, QPoint(0, 0)))));
+    }
 }
 
 TEST_F(DetectionDialogueTest, CloseHidesIt)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "detection/DetectionRun.h"
 
 #include "hotpixel/BadpixelListModel.h"
@@ -365,6 +366,8 @@ TEST_F(DetectionRunFailure, CountsWhatTheCameraCantStore)
     QStringList order;
     QObject::connect(&m_run, &DetectionRun::detectionFinished, &m_run,
                      [&order] { order << "detectionFinished"; });
+    QObject::connect(&m_run, &DetectionRun::listFull, &m_run,
+                     [&order](const QString& text) { order << "full: " + text; });
     QObject::connect(&m_run, &DetectionRun::foundWithoutLimit, &m_run,
                      [&order](int count) { order << QString("found %1").arg(count); });
     QObject::connect(&m_run, &DetectionRun::failed, &m_run,
@@ -379,8 +382,9 @@ TEST_F(DetectionRunFailure, CountsWhatTheCameraCantStore)
     EXPECT_EQ(positionsOf(m_list), (std::vector<QPoint>{{1, 1}, {2, 2}})) << "nothing taken over";
     EXPECT_EQ(m_pixelAdded.count(), 0);
     // Only the detection without the limit comes to its end.
-    EXPECT_EQ(order, (QStringList{"detectionFinished", "found 2",
-                                  "Can't add more than 3 hotpixel entries.", "finished"}));
+    EXPECT_EQ(order,
+              (QStringList{"full: Can't add more than 3 hotpixel entries.", "detectionFinished",
+                           "found 2", "Can't add more than 3 hotpixel entries.", "finished"}));
 }
 
 TEST_F(DetectionRunFailure, CountsListedPixelsThatAreHot)

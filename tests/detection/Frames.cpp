@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/detection/Frames.h"
 
 #include "hotpixel/BadpixelListModel.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "detection/Matrix.h"
 
 #include <gtest/gtest.h>

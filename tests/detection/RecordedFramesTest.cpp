@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "detection/HotpixelDetector.h"
 #include "hotpixel/BadpixelListModel.h"
 #include "tests/support/SharedData.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/detection/ReferenceDetection.h"
 
 #include "tests/detection/Frames.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/faults/FaultSession.h"
 
 #include "app/MainWindow.h"
@@ -228,7 +229,7 @@ private:
     bool save();
     bool load();
     [[nodiscard]] Positions shownUserEntries() const;
-    [[nodiscard]] Positions eeprom() const;
+    [[nodiscard]] Positions eeprom();
     [[nodiscard]] int frameCount() const { return m_sdk.calls(Operation::GetFrameMemory); }
     [[nodiscard]] bool said(const QString& text) const { return m_messages.contains(text); }
 
@@ -310,14 +311,14 @@ Positions Session::shownUserEntries() const
     return positions;
 }
 
-Positions Session::eeprom() const
+Positions Session::eeprom()
 {
-    return EepromFile(m_simulated.eepromFileName(QStringLiteral("FAULT1"))).read().user;
+    return EepromFile(m_simulated.control(QStringLiteral("FAULT1")).eepromFileName()).read().user;
 }
 
 void Session::checkEeprom()
 {
-    const EepromFile file(m_simulated.eepromFileName(QStringLiteral("FAULT1")));
+    const EepromFile file(m_simulated.control(QStringLiteral("FAULT1")).eepromFileName());
     if (!m_inCamera && !file.exists()) {
         return;
     }
@@ -348,7 +349,7 @@ bool Session::open()
     if (m_simulated.openCameras() == 0) {
         return false;
     }
-    m_simulated.setCovered(QStringLiteral("FAULT1"), true);
+    m_simulated.control(QStringLiteral("FAULT1")).setCovered(true);
     return effect([&] { return action("actionClose")->isEnabled(); }) && frames(1) &&
            shownUserEntries() == eeprom();
 }
@@ -431,7 +432,7 @@ void Session::helpYourself()
     m_tolerant = false;
     m_fault.reset();
     m_sdk.arm({});
-    m_simulated.setPlugged(QStringLiteral("FAULT1"), true);
+    m_simulated.control(QStringLiteral("FAULT1")).setPlugged(true);
     for (QWidget* modal = QApplication::activeModalWidget(); modal != nullptr;
          modal = QApplication::activeModalWidget()) {
         modal->close();
@@ -522,11 +523,11 @@ SessionReport Session::run()
     step(Step::Save, [&] { return save(); });
     step(Step::Load, [&] { return load(); });
     step(Step::Unplug, [&] {
-        m_simulated.setPlugged(serial, false);
+        m_simulated.control(serial).setPlugged(false);
         return effect([&] { return !isListed(); });
     });
     step(Step::Replug, [&] {
-        m_simulated.setPlugged(serial, true);
+        m_simulated.control(serial).setPlugged(true);
         return effect([&] { return action("actionClose")->isEnabled(); }) && frames(3);
     });
     step(Step::Close, [&] { return trigger("actionClose") && m_simulated.openCameras() == 0; });

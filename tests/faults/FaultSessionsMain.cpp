@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+#include "support/Utf8Locale.h"
 #include "tests/faults/FaultSession.h"
 
 #include <QApplication>
@@ -194,6 +196,7 @@ int runAll(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    support::chooseUtf8Locale();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }

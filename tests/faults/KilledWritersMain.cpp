@@ -1,6 +1,8 @@
+// SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 #include "hotpixel/BadpixelListFile.h"
 #include "simulator/SimulatedCameraSdk.h"
+#include "support/Utf8Locale.h"
 
 #include <QApplication>
 #include <QDir>
@@ -57,13 +59,17 @@ void sayReady()
     }
 }
 
+// Both fit on the offscreen platform's screen of 800 × 800: a newer Qt makes a window smaller that
+// comes back on a screen it does not fit on.
+constexpr int WindowWidths[] = {700, 760};
+
 [[noreturn]] void writeSettings()
 {
     SimulatedCameraSdk sdk(BusDescription{});
     for (int i = 0;; ++i) {
         {
             MainWindow window(sdk);
-            window.resize(800 + i % 2 * 100, 600);
+            window.resize(WindowWidths[i % 2], 600);
         }
         if (i == 0) {
             sayReady();
@@ -111,7 +117,7 @@ bool areWholeSettings(const QString& fileName)
     return settings.status() == QSettings::NoError &&
            window.restoreGeometry(
                settings.value(QStringLiteral("VornHotpixelEditor/geometry")).toByteArray()) &&
-           (window.width() == 800 || window.width() == 900) &&
+           (window.width() == WindowWidths[0] || window.width() == WindowWidths[1]) &&
            window.restoreState(
                settings.value(QStringLiteral("VornHotpixelEditor/state")).toByteArray());
 }
@@ -145,6 +151,7 @@ int killWriters(int kills, unsigned seed)
 
 int main(int argc, char** argv)
 {
+    support::chooseUtf8Locale();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }

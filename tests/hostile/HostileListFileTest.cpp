@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListFile.h"
 #include "tests/hostile/ChildProcess.h"
 #include "tests/support/AsNobody.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListModel.h"
 #include "tests/app/WindowTest.h"
 #include "view/DisplayWidget.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListFile.h"
 #include "tests/support/AsNobody.h"
 
@@ -10,6 +11,7 @@
 #include <string>
 #include <sys/mount.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -145,4 +147,40 @@ TEST(Saving, OverAFileThatMayNotBeWrittenKeepsIt)
     const AsNobody nobody;
     EXPECT_EQ(saveError(list, 10), "Can't open file for writing.");
     EXPECT_EQ(contentOf(list), "9 9 1\n");
+}
+
+TEST(Saving, OverAFileThatIsAMountPointWritesInPlace)
+{
+    const QTemporaryDir folder;
+    const QString mounted = folder.filePath(QStringLiteral("mounted.txt"));
+    const QString list = folder.filePath(QStringLiteral("list.txt"));
+    put(mounted, "9 9 1\n9 9 1\n");
+    put(list, "");
+    if (mount(qPrintable(mounted), qPrintable(list), nullptr, MS_BIND, nullptr) != 0) {
+        GTEST_SKIP() << "only root may mount a file";
+    }
+    EXPECT_EQ(saveError(list, 3), "no error");
+    EXPECT_EQ(contentOf(mounted), "12 345 1\n12 345 1\n12 345 1\n");
+    EXPECT_EQ(saveError(list, 1), "no error");
+    EXPECT_EQ(contentOf(mounted), "12 345 1\n") << "the end of a longer list is left";
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden),
+              (QStringList{QStringLiteral("list.txt"), QStringLiteral("mounted.txt")}));
+    ASSERT_EQ(umount(qPrintable(list)), 0);
+}
+
+TEST(Saving, OverSomebodyElsesFileInAStickyFolderWritesInPlace)
+{
+    if (geteuid() != 0) {
+        GTEST_SKIP() << "only root can be two people";
+    }
+    const QTemporaryDir folder;
+    const QString list = folder.filePath(QStringLiteral("list.txt"));
+    put(list, "9 9 1\n9 9 1\n");
+    ASSERT_EQ(chmod(qPrintable(folder.path()), 01777), 0);
+    ASSERT_EQ(chmod(qPrintable(list), 0666), 0);
+    const AsNobody nobody;
+    EXPECT_EQ(saveError(list, 3), "no error");
+    EXPECT_EQ(contentOf(list), "12 345 1\n12 345 1\n12 345 1\n");
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files | QDir::Hidden),
+              QStringList{QStringLiteral("list.txt")});
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelEntryList.h"
 
 #include "tests/hotpixel/PrintEntry.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListFile.h"
 
 #include "tests/hotpixel/PrintEntry.h"
@@ -92,6 +93,11 @@ protected:
         return errorOf([&] { static_cast<void>(hotpixel::readListFile(filename)); });
     }
 
+    [[nodiscard]] std::string checkError(const QString& filename) const
+    {
+        return errorOf([&] { hotpixel::checkListFile(filename); });
+    }
+
     [[nodiscard]] std::string writeError(const QString& filename, const Entries& entries) const
     {
         return errorOf([&] { hotpixel::writeListFile(filename, entries); });
@@ -158,6 +164,23 @@ TEST_F(ListFile, CantBeWrittenOverAFolder)
 {
     EXPECT_EQ(writeError(path("."), TwoUserEntries), "Can't open file for writing.");
     EXPECT_EQ(writeError(QString(), TwoUserEntries), "Can't open file for writing.");
+}
+
+TEST_F(ListFile, CantBeOpenedForWritingUnderANameThatNoFileCanHave)
+{
+    EXPECT_EQ(writeError(path(QString(256, u'n')), TwoUserEntries), "Can't open file for writing.");
+}
+
+TEST_F(ListFile, IsReplacedUnderTheLongestNameThatAFileCanHave)
+{
+    // The name of a temporary file beside it would be too long.
+    const QString longest = path(QString(255, u'n'));
+    for (const Entries& entries : {TwoUserEntries, Entries{{7, 8, UserPixel}}}) {
+        EXPECT_EQ(writeError(longest, entries), "no error");
+        EXPECT_EQ(hotpixel::readListFile(longest), entries);
+    }
+    EXPECT_EQ(QFileInfo(longest).dir().entryList(QDir::Files | QDir::Hidden),
+              QStringList{QString(255, u'n')});
 }
 
 TEST_F(ListFile, CantBeReadWhenMissing)
@@ -429,6 +452,39 @@ TEST_F(ListFile, IsWrittenInPlaceWhereNoOtherFileCanBeMade)
                   "Can't open file for writing.");
     }
     ASSERT_EQ(chmod(qPrintable(path("folder")), 0755), 0);
+}
+
+TEST_F(ListFile, IsKnownBeforeToBeOneThatCantBeWritten)
+{
+    put("9 9 1\n");
+    ASSERT_EQ(mkfifo(qPrintable(path("pipe")), 0600), 0);
+    ASSERT_TRUE(QDir(path(".")).mkdir("closed"));
+    ASSERT_EQ(chmod(qPrintable(path(".")), 0777), 0);
+    ASSERT_EQ(chmod(qPrintable(path()), 0444), 0);
+    ASSERT_EQ(chmod(qPrintable(path("closed")), 0555), 0);
+    {
+        const AsNobody nobody;
+        for (const QString& name :
+             {QString(), path("."), path("pipe"), path(), path("missing/list"), path("closed/list"),
+              path(QString(256, u'n'))}) {
+            EXPECT_EQ(checkError(name), "Can't open file for writing.") << qPrintable(name);
+            EXPECT_EQ(writeError(name, TwoUserEntries), "Can't open file for writing.")
+                << qPrintable(name);
+        }
+    }
+    EXPECT_EQ(contentOf(path()), "9 9 1\n");
+}
+
+TEST_F(ListFile, IsAsBeforeWhenItIsKnownToBeOneThatCanBeWritten)
+{
+    put("9 9 1\n");
+    ASSERT_TRUE(QFile::link(path("target.txt"), path("link.txt")));
+    for (const QString& name : {path(), path("new.txt"), path("link.txt"), QString("/dev/null")}) {
+        EXPECT_EQ(checkError(name), "no error") << qPrintable(name);
+    }
+    EXPECT_EQ(contentOf(path()), "9 9 1\n");
+    EXPECT_EQ(QDir(path(".")).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot),
+              (QStringList{"link.txt", "list.txt"}));
 }
 
 TEST_F(ListFile, SaysThatADeviceIsFull)

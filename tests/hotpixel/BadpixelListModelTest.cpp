@@ -1,5 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListModel.h"
 
+#include "hotpixel/ListFull.h"
 #include "tests/hotpixel/PrintEntry.h"
 
 #include <QFile>
@@ -488,6 +490,28 @@ TEST_F(HotpixelList, AddsUpTo5000EntriesWithoutTheCamerasLimit)
     EXPECT_EQ(m_model.rowCount(), 5000);
 }
 
+TEST_F(HotpixelList, TellsItsLimitToWhoeverAddsBeyondIt)
+{
+    const auto full = [this] {
+        try {
+            m_model.addBadpixel({3, 3});
+        } catch (const ListFull& error) {
+            return std::pair(error.limit(), error.count());
+        }
+        return std::pair(-1, std::int64_t{-1});
+    };
+    m_model.setMaxUserEntries(3);
+    m_model.setFactoryCount(2);
+    load(Entries(6, {1, 1, 0}));
+    EXPECT_EQ(full(), std::pair(3, std::int64_t{4}));
+    m_model.setFactoryCount(INT_MIN);
+    EXPECT_EQ(full(), std::pair(3, std::int64_t{6} - INT_MIN));
+
+    m_model.setLimitByCamera(false);
+    load(Entries(4998, {1, 1, 0}));
+    EXPECT_EQ(full(), std::pair(5000, std::int64_t{5004})) << "not the limit that the text names";
+}
+
 TEST_F(HotpixelList, NamesTheCamerasLimitAlsoForThatOf5000)
 {
     m_model.setLimitByCamera(false);
@@ -669,9 +693,13 @@ TEST_F(HotpixelList, LeavesEqualEntriesInTheOrderOfItsSortingAlgorithm)
 {
     // By hand, for five equal keys: the middle one goes to the end as the pivot (0 1 4 3 2), low
     // and high swap 0 with 3 and 1 with 4 (3 4 1 0 2), and the pivot goes back to low (3 4 2 0 1).
-    load({{5, 0, 1}, {5, 1, 1}, {5, 2, 1}, {5, 3, 1}, {5, 4, 1}});
-    m_model.sort(0, Qt::AscendingOrder);
-    EXPECT_EQ(entries(), (Entries{{5, 3, 1}, {5, 4, 1}, {5, 2, 1}, {5, 0, 1}, {5, 1, 1}}));
+    for (const Qt::SortOrder order : {Qt::AscendingOrder, Qt::DescendingOrder}) {
+        m_model.clearBadpixelList();
+        load({{5, 0, 1}, {5, 1, 1}, {5, 2, 1}, {5, 3, 1}, {5, 4, 1}});
+        m_model.sort(0, order);
+        EXPECT_EQ(entries(), (Entries{{5, 3, 1}, {5, 4, 1}, {5, 2, 1}, {5, 0, 1}, {5, 1, 1}}))
+            << order;
+    }
 }
 
 TEST_F(HotpixelList, LoadsBehindTheFactoryAndIgnoredEntries)

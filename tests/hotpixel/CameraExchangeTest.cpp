@@ -1,5 +1,7 @@
+// SPDX-License-Identifier: MIT
 #include "camera/Camera.h"
 #include "hotpixel/BadpixelListModel.h"
+#include "hotpixel/CameraLists.h"
 #include "tests/hotpixel/FakeListCamera.h"
 #include "tests/hotpixel/PrintEntry.h"
 
@@ -220,6 +222,40 @@ TEST_F(CameraExchange, KnowsTheEntriesItReadAsDuplicates)
     EXPECT_FALSE(m_model.addBadpixel({2, 2}));
 }
 
+TEST_F(CameraExchange, ForgetsThePositionsOfTheListsBefore)
+{
+    m_sdk.factoryCount = 1;
+    m_sdk.factoryList = {1, 1, 1};
+    m_sdk.userCount = 1;
+    m_sdk.userList = {1, 2, 2};
+    m_model.getBadpixelList(&m_camera);
+    EXPECT_FALSE(m_model.addBadpixel({1, 1})) << "the positions are known from here on";
+
+    m_sdk.factoryList = {1, 7, 7};
+    m_sdk.userList = {1, 8, 8};
+    m_model.getBadpixelList(&m_camera);
+    EXPECT_FALSE(m_model.addBadpixel({7, 7}));
+    EXPECT_FALSE(m_model.addBadpixel({8, 8}));
+    EXPECT_TRUE(m_model.addBadpixel({1, 1}));
+    EXPECT_TRUE(m_model.addBadpixel({2, 2}));
+}
+
+TEST_F(CameraExchange, KnowsTheEntriesItReadAlsoWhenTheListBeforeHadBecomeEmpty)
+{
+    m_model.setMaxUserEntries(10);
+    EXPECT_TRUE(m_model.addBadpixel({5, 5})) << "the positions are known from here on";
+    EXPECT_TRUE(m_model.removeUserBadpixel(0));
+
+    m_sdk.factoryCount = 1;
+    m_sdk.factoryList = {1, 7, 7};
+    m_sdk.userCount = 1;
+    m_sdk.userList = {1, 8, 8};
+    m_model.getBadpixelList(&m_camera);
+    EXPECT_FALSE(m_model.addBadpixel({7, 7}));
+    EXPECT_FALSE(m_model.addBadpixel({8, 8}));
+    EXPECT_TRUE(m_model.addBadpixel({5, 5}));
+}
+
 TEST_F(CameraExchange, WritesTheUserEntriesInListOrder)
 {
     load("9 9 1\n1 1 0\n65535 4 1\n2 2 2\n");
@@ -253,4 +289,44 @@ TEST_F(CameraExchange, SaysThatTheListCantBeWritten)
 
     m_model.clearBadpixelList();
     EXPECT_EQ(writeError(), "Error writing hotpixel list");
+}
+
+TEST_F(CameraExchange, GivesListsOfEveryLengthToWhoWantsToKnowOfFailures)
+{
+    const CameraLists lists(m_camera);
+    m_sdk.maxUserEntries = 65535;
+    m_sdk.factoryCount = 65535;
+    m_sdk.factoryList = Words(65535 * 2 + 1, 6);
+    m_sdk.userCount = 2;
+    m_sdk.userList = {2, 4, 5, 7, 8};
+    EXPECT_EQ(lists.maxUserEntries(), 65535);
+    EXPECT_EQ(lists.factoryEntries(), Entries(65535, {6, 6, FactoryPixel}));
+    EXPECT_EQ(lists.userEntries(), (Entries{{4, 5, UserPixel}, {7, 8, UserPixel}}));
+
+    m_sdk.commands.clear();
+    m_sdk.userCount = 0;
+    EXPECT_EQ(lists.userEntries(), Entries{});
+    EXPECT_EQ(m_sdk.commands.size(), 1U) << "an empty list is not read";
+}
+
+TEST_F(CameraExchange, TellsWhatFailedWithTheTextOfTheSdk)
+{
+    const CameraLists lists(m_camera);
+    const auto failure = [](const auto& call) {
+        try {
+            static_cast<void>(call());
+        } catch (const std::runtime_error& error) {
+            return std::string(error.what());
+        }
+        return std::string("no error");
+    };
+    m_sdk.userCount = 1;
+    m_sdk.results = {{camera::GetUserList, 3}, {camera::GetFactoryCount, 3}};
+    EXPECT_EQ(failure([&] { return lists.userEntries(); }),
+              "Can't read the camera's user list: Unknown error.");
+    EXPECT_EQ(failure([&] { return lists.factoryEntries(); }),
+              "Can't read the camera's factory list: Unknown error.");
+    m_sdk.maxUserEntries = 65536;
+    EXPECT_EQ(failure([&] { return lists.maxUserEntries(); }),
+              "Can't read the capacity of the camera's user list: the camera answers 65536.");
 }

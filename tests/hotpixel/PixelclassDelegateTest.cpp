@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/PixelclassDelegate.h"
 
 #include "hotpixel/BadpixelListModel.h"

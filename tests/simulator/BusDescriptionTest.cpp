@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/BusDescription.h"
 
 #include "camera/CameraSdk.h"

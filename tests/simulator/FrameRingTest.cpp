@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/FrameRing.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/ModelledFrames.h"
 
 #include "simulator/NoiseField.h"

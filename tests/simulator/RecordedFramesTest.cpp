@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/RecordedFrames.h"
 
 #include "tests/support/SharedData.h"

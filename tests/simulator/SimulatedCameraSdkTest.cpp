@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/SimulatedCameraSdk.h"
 
 #include "simulator/SdkErrors.h"
@@ -97,7 +98,7 @@ TEST(SimulatedCameraList, WritesNoMoreThanThereIsRoomFor)
 TEST(SimulatedCameraList, LeavesUnpluggedCamerasOut)
 {
     Bench bench;
-    bench.sdk->setPlugged(QStringLiteral("M1"), false);
+    bench.sdk->control(QStringLiteral("M1")).setPlugged(false);
     std::int32_t count = 0;
     ASSERT_EQ(bench.sdk->getNumberOfCameras(&count), 0);
     EXPECT_EQ(count, 1);
@@ -115,7 +116,7 @@ TEST(SimulatedCameraList, ShowsWhichCamerasAreInUse)
         EXPECT_EQ(listedCameras(*bench.sdk, 2)[1].status, 0U);
     }
     EXPECT_EQ(listedCameras(*bench.sdk, 2)[0].status, 0U);
-    bench.sdk->setHeldElsewhere(QStringLiteral("B2"), true);
+    bench.sdk->control(QStringLiteral("B2")).setHeldElsewhere(true);
     EXPECT_EQ(listedCameras(*bench.sdk, 2)[1].status, 1U);
 }
 
@@ -138,7 +139,7 @@ TEST(SimulatedCameraOpening, WithoutTheDeviceFlagTheCameraIdCounts)
     Bench bench;
     CameraSdk::Handle handle = 7;
     ASSERT_EQ(bench.sdk->initCamera(&handle, nullptr), 0);
-    bench.sdk->setPlugged(QStringLiteral("M1"), false);
+    bench.sdk->control(QStringLiteral("M1")).setPlugged(false);
     EXPECT_EQ(bench.sdk->setColorMode(handle, camera::QueryCurrent), 11) << "the Bayer camera";
 }
 
@@ -154,7 +155,7 @@ TEST(SimulatedCameraOpening, OfAnUnknownCameraFailsAndLeavesTheSelector)
 TEST(SimulatedCameraOpening, OfAnUnpluggedCameraFails)
 {
     Bench bench;
-    bench.sdk->setPlugged(QStringLiteral("M1"), false);
+    bench.sdk->control(QStringLiteral("M1")).setPlugged(false);
     CameraSdk::Handle handle = 1 | camera::OpenByDevice;
     EXPECT_EQ(bench.sdk->initCamera(&handle, nullptr), simulator::CameraNotFound);
 }
@@ -163,9 +164,9 @@ TEST(SimulatedCameraOpening, OfACameraInUseFails)
 {
     Bench bench;
     CameraSdk::Handle handle = 1 | camera::OpenByDevice;
-    bench.sdk->setHeldElsewhere(QStringLiteral("M1"), true);
+    bench.sdk->control(QStringLiteral("M1")).setHeldElsewhere(true);
     EXPECT_EQ(bench.sdk->initCamera(&handle, nullptr), simulator::CameraInUse);
-    bench.sdk->setHeldElsewhere(QStringLiteral("M1"), false);
+    bench.sdk->control(QStringLiteral("M1")).setHeldElsewhere(false);
     const OpenedCamera opened(*bench.sdk);
     EXPECT_EQ(bench.sdk->initCamera(&handle, nullptr), simulator::CameraInUse);
 }
@@ -272,7 +273,7 @@ TEST(SimulatedSdkErrors, AnUnpluggedCameraCanOnlyBeGivenUp)
 {
     Bench bench;
     OpenedCamera opened(*bench.sdk);
-    bench.sdk->setPlugged(QStringLiteral("M1"), false);
+    bench.sdk->control(QStringLiteral("M1")).setPlugged(false);
     double number = 0;
     const CameraSdk::Handle handle = opened.handle;
     EXPECT_EQ(bench.sdk->setPixelClock(handle, camera::QueryCurrent), simulator::CameraUnplugged);
@@ -341,20 +342,20 @@ TEST(SimulatedControls, UnknownSerialNumbersDoNothing)
 {
     Bench bench;
     const QString nobody = QStringLiteral("nobody");
-    bench.sdk->setPlugged(nobody, false);
-    bench.sdk->setCovered(nobody, true);
-    bench.sdk->setDropFrames(nobody, true);
-    bench.sdk->setTemperature(nobody, 1);
-    bench.sdk->setHeldElsewhere(nobody, true);
-    EXPECT_FALSE(bench.sdk->isPlugged(nobody));
-    EXPECT_FALSE(bench.sdk->isCovered(nobody));
-    EXPECT_FALSE(bench.sdk->dropsFrames(nobody));
-    EXPECT_FALSE(bench.sdk->isHeldElsewhere(nobody));
-    EXPECT_EQ(bench.sdk->temperature(nobody), 0);
-    EXPECT_TRUE(bench.sdk->knownHotPixels(nobody).empty());
-    EXPECT_EQ(bench.sdk->darkMeanDn(nobody), 0);
-    EXPECT_TRUE(bench.sdk->eepromFileName(nobody).isEmpty());
-    EXPECT_TRUE(bench.sdk->modelOf(nobody).isEmpty());
+    bench.sdk->control(nobody).setPlugged(false);
+    bench.sdk->control(nobody).setCovered(true);
+    bench.sdk->control(nobody).setDropFrames(true);
+    bench.sdk->control(nobody).setTemperature(1);
+    bench.sdk->control(nobody).setHeldElsewhere(true);
+    EXPECT_FALSE(bench.sdk->control(nobody).isPlugged());
+    EXPECT_FALSE(bench.sdk->control(nobody).isCovered());
+    EXPECT_FALSE(bench.sdk->control(nobody).dropsFrames());
+    EXPECT_FALSE(bench.sdk->control(nobody).isHeldElsewhere());
+    EXPECT_EQ(bench.sdk->control(nobody).temperature(), 0);
+    EXPECT_TRUE(bench.sdk->control(nobody).knownHotPixels().empty());
+    EXPECT_EQ(bench.sdk->control(nobody).darkMeanDn(), 0);
+    EXPECT_TRUE(bench.sdk->control(nobody).eepromFileName().isEmpty());
+    EXPECT_TRUE(bench.sdk->control(nobody).model().isEmpty());
 }
 
 TEST(SimulatedControls, KnowTheirCameras)
@@ -363,8 +364,8 @@ TEST(SimulatedControls, KnowTheirCameras)
     EXPECT_EQ(bench.sdk->serials(), (QStringList{QStringLiteral("M1"), QStringLiteral("B2")}));
     EXPECT_EQ(bench.sdk->serialOf(2), QStringLiteral("B2"));
     EXPECT_EQ(bench.sdk->serialOf(3), QString());
-    EXPECT_EQ(bench.sdk->modelOf(QStringLiteral("M1")), QStringLiteral("Small mono"));
-    EXPECT_EQ(bench.sdk->eepromFileName(QStringLiteral("M1")),
+    EXPECT_EQ(bench.sdk->control(QStringLiteral("M1")).model(), QStringLiteral("Small mono"));
+    EXPECT_EQ(bench.sdk->control(QStringLiteral("M1")).eepromFileName(),
               bench.bus.eepromFolder + QStringLiteral("/M1.eeprom"));
 }
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/SimulatedCamerasWindow.h"
 
 #include "camera/SdkExtras.h"
@@ -5,10 +6,12 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QDoubleSpinBox>
 #include <QLabel>
 #include <QTest>
 #include <QTimer>
+#include <QtTest/qtestspontaneevent.h>
 
 using bench::Bench;
 
@@ -56,14 +59,14 @@ TEST_F(SimulatedCamerasWindowTest, ItsBoxesActOnTheirCamera)
     click("cover", Bayer);
     click("drop", Mono);
     click("held", Bayer);
-    EXPECT_FALSE(m_bench.sdk->isPlugged(Mono));
-    EXPECT_TRUE(m_bench.sdk->isPlugged(Bayer));
-    EXPECT_TRUE(m_bench.sdk->isCovered(Bayer));
-    EXPECT_FALSE(m_bench.sdk->isCovered(Mono));
-    EXPECT_TRUE(m_bench.sdk->dropsFrames(Mono));
-    EXPECT_TRUE(m_bench.sdk->isHeldElsewhere(Bayer));
+    EXPECT_FALSE(m_bench.sdk->control(Mono).isPlugged());
+    EXPECT_TRUE(m_bench.sdk->control(Bayer).isPlugged());
+    EXPECT_TRUE(m_bench.sdk->control(Bayer).isCovered());
+    EXPECT_FALSE(m_bench.sdk->control(Mono).isCovered());
+    EXPECT_TRUE(m_bench.sdk->control(Mono).dropsFrames());
+    EXPECT_TRUE(m_bench.sdk->control(Bayer).isHeldElsewhere());
     click("plugged", Mono);
-    EXPECT_TRUE(m_bench.sdk->isPlugged(Mono));
+    EXPECT_TRUE(m_bench.sdk->control(Mono).isPlugged());
 }
 
 TEST_F(SimulatedCamerasWindowTest, TheTemperatureIsTyped)
@@ -74,8 +77,8 @@ TEST_F(SimulatedCamerasWindowTest, TheTemperatureIsTyped)
     temperature->selectAll();
     QTest::keyClicks(temperature, QStringLiteral("41.5"));
     QTest::keyClick(temperature, Qt::Key_Return);
-    EXPECT_EQ(m_bench.sdk->temperature(Mono), 41.5);
-    EXPECT_EQ(m_bench.sdk->temperature(Bayer), 25.0);
+    EXPECT_EQ(m_bench.sdk->control(Mono).temperature(), 41.5);
+    EXPECT_EQ(m_bench.sdk->control(Bayer).temperature(), 25.0);
 }
 
 TEST_F(SimulatedCamerasWindowTest, EveryControlIsReachedByTheTabKey)
@@ -89,15 +92,15 @@ TEST_F(SimulatedCamerasWindowTest, EveryControlIsReachedByTheTabKey)
     auto* cover = find<QCheckBox>("cover", Mono);
     cover->setFocus();
     QTest::keyClick(cover, Qt::Key_Space);
-    EXPECT_TRUE(m_bench.sdk->isCovered(Mono));
+    EXPECT_TRUE(m_bench.sdk->control(Mono).isCovered());
 }
 
 TEST_F(SimulatedCamerasWindowTest, FollowsWhatHappensElsewhere)
 {
     m_window.show();
-    m_bench.sdk->setCovered(Mono, true);
-    m_bench.sdk->setPlugged(Bayer, false);
-    m_bench.sdk->setTemperature(Bayer, 30);
+    m_bench.sdk->control(Mono).setCovered(true);
+    m_bench.sdk->control(Bayer).setPlugged(false);
+    m_bench.sdk->control(Bayer).setTemperature(30);
     EXPECT_TRUE(QTest::qWaitFor(
         [this] {
             return find<QCheckBox>("cover", Mono)->isChecked() &&
@@ -161,7 +164,7 @@ TEST(SdkWindow, AMistakeInTheSettingsFileIsShown)
     EXPECT_EQ(message->text(), bus.message);
 }
 
-TEST(SdkSwitches, PutTheLensCapOn)
+TEST(SdkSwitches, CoverTheCamera)
 {
     Bench bench;
     const std::vector<SdkSwitch> switches = sdkSwitches();
@@ -169,10 +172,65 @@ TEST(SdkSwitches, PutTheLensCapOn)
     EXPECT_EQ(switches[0].name, QStringLiteral("cover"));
     EXPECT_FALSE(switches[0].description.isEmpty());
     switches[0].apply(*bench.sdk, 2);
-    EXPECT_TRUE(bench.sdk->isCovered(Bayer));
-    EXPECT_FALSE(bench.sdk->isCovered(Mono));
+    EXPECT_TRUE(bench.sdk->control(Bayer).isCovered());
+    EXPECT_FALSE(bench.sdk->control(Mono).isCovered());
     switches[0].apply(*bench.sdk, 99);
-    EXPECT_FALSE(bench.sdk->isCovered(Mono));
+    EXPECT_FALSE(bench.sdk->control(Mono).isCovered());
+}
+
+TEST(SimulatedCamerasPlace, IsBesideTheMainWindowWhereverThereIsRoom)
+{
+    const QRect screen(0, 0, 2000, 1200);
+    const QSize size(700, 150);
+    struct Case
+    {
+        QRect main;
+        QPoint place;
+    };
+    for (const auto& [main, place] : {
+             Case{{100, 50, 800, 600}, {900, 50}},     // to the right
+             Case{{1100, 50, 800, 600}, {400, 50}},    // to the left
+             Case{{600, 50, 800, 600}, {600, 650}},    // below
+             Case{{600, 500, 800, 650}, {600, 350}},   // above
+             Case{{-50, 1000, 800, 600}, {750, 1000}}, // partly off the screen
+         }) {
+        const simulator::Places places = simulator::placesBeside(main, size, screen);
+        EXPECT_EQ(places.main, main.topLeft());
+        EXPECT_EQ(places.other, place) << main.left() << ", " << main.top();
+    }
+}
+
+TEST(SimulatedCamerasPlace, SendsTheMainWindowUpWhereThatMakesRoomBelow)
+{
+    const simulator::Places places =
+        simulator::placesBeside({240, 88, 800, 626}, {760, 150}, {0, 0, 1280, 800});
+    EXPECT_EQ(places.main, QPoint(240, 24));
+    EXPECT_EQ(places.other, QPoint(240, 650));
+}
+
+TEST(SimulatedCamerasPlace, IsTheOppositeCornerOfAScreenWithoutRoomForBoth)
+{
+    const simulator::Places dense =
+        simulator::placesBeside({240, 50, 800, 626}, {750, 150}, {0, 0, 1280, 720});
+    EXPECT_EQ(dense.main, QPoint(0, 0));
+    EXPECT_EQ(dense.other, QPoint(530, 570));
+
+    const simulator::Places places =
+        simulator::placesBeside({0, 0, 1280, 800}, {760, 150}, {0, 0, 1280, 800});
+    EXPECT_EQ(places.main, QPoint(0, 0));
+    EXPECT_EQ(places.other, QPoint(520, 650));
+    // Its upper left corner, with the title bar, is on the screen whatever its size.
+    EXPECT_EQ(simulator::placesBeside({0, 0, 640, 480}, {760, 550}, {0, 0, 640, 480}).other,
+              QPoint(0, 0));
+}
+
+TEST_F(SimulatedCamerasWindowTest, CannotBeClosedByHand)
+{
+    m_window.show();
+    QCloseEvent event; // as a window manager sends it
+    QSpontaneKeyEvent::setSpontaneous(&event);
+    qApp->notify(&m_window, &event);
+    EXPECT_FALSE(event.isAccepted());
 }
 
 } // namespace

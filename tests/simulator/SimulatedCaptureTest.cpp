@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/ModelledFrames.h"
 #include "simulator/SdkErrors.h"
 #include "tests/simulator/SimulatedBench.h"
@@ -24,7 +25,7 @@ const QString Bayer = QStringLiteral("B2");
 void prepareForDarkFrames(SimulatedCameraSdk& sdk, const OpenedCamera& camera,
                           const QString& serial)
 {
-    sdk.setCovered(serial, true);
+    sdk.control(serial).setCovered(true);
     double actual = 0;
     sdk.setPixelClock(camera.handle, 1);
     ASSERT_EQ(sdk.setFrameRate(camera.handle, 1.0, &actual), 0);
@@ -144,13 +145,13 @@ TEST(SimulatedCapture, DroppedFramesAreReportedAsFailed)
 {
     Bench bench;
     OpenedCamera mono(*bench.sdk);
-    bench.sdk->setDropFrames(Mono, true);
+    bench.sdk->control(Mono).setDropFrames(true);
     mono.startLive();
     for (int frame = 0; frame < 3; ++frame) {
         EXPECT_TRUE(waitForEventObject(mono.failedEvent, GenerousMsec));
     }
     EXPECT_FALSE(waitForEventObject(mono.frameEvent, 0));
-    bench.sdk->setDropFrames(Mono, false);
+    bench.sdk->control(Mono).setDropFrames(false);
     EXPECT_FALSE(mono.nextFrame().empty());
 }
 
@@ -160,11 +161,11 @@ TEST(SimulatedCapture, GoesOnWhenTheCableIsBack)
     OpenedCamera mono(*bench.sdk);
     mono.startLive();
     ASSERT_FALSE(mono.nextFrame().empty());
-    bench.sdk->setPlugged(Mono, false);
+    bench.sdk->control(Mono).setPlugged(false);
     waitForEventObject(mono.frameEvent, 0); // the frame that was on its way
     EXPECT_FALSE(waitForEventObject(mono.frameEvent, 100));
     EXPECT_FALSE(waitForEventObject(mono.failedEvent, 0));
-    bench.sdk->setPlugged(Mono, true);
+    bench.sdk->control(Mono).setPlugged(true);
     EXPECT_FALSE(mono.nextFrame().empty());
 }
 
@@ -208,9 +209,9 @@ TEST(SimulatedCapture, KnownHotPixelsAreWhatAnAverageOfFramesShows)
             frames.push_back(opened.nextFrame());
             ASSERT_FALSE(frames.back().empty());
         }
-        const auto known = bench.sdk->knownHotPixels(serial);
+        const auto known = bench.sdk->control(serial).knownHotPixels();
         ASSERT_EQ(known.size(), 12U);
-        const double dark = bench.sdk->darkMeanDn(serial);
+        const double dark = bench.sdk->control(serial).darkMeanDn();
         int hot = 0;
         for (int y = 0; y < 64; ++y) {
             for (int x = 0; x < 96; ++x) {
@@ -241,7 +242,7 @@ TEST(SimulatedCapture, CorrectionReplacesEachListedPixel)
         const auto user = bench::readList(*bench.sdk, handle, true);
         listed.insert(listed.end(), user.begin(), user.end());
         ASSERT_EQ(listed.size(), 6U);
-        const double dark = bench.sdk->darkMeanDn(serial);
+        const double dark = bench.sdk->control(serial).darkMeanDn();
         opened.startLive();
         const auto brightest = [&] {
             int value = 0;
@@ -275,11 +276,12 @@ TEST(SimulatedCapture, WarmthMakesHotPixelsBrighter)
     Bench bench;
     OpenedCamera mono(*bench.sdk);
     prepareForDarkFrames(*bench.sdk, mono, Mono);
-    const double cool = bench.sdk->knownHotPixels(Mono)[2].meanDn;
+    const double cool = bench.sdk->control(Mono).knownHotPixels()[2].meanDn;
     const double pedestal = 8;
-    bench.sdk->setTemperature(Mono, 32); // seven degrees more: twice the dark current
-    EXPECT_NEAR(bench.sdk->knownHotPixels(Mono)[2].meanDn - pedestal, 2 * (cool - pedestal), 1e-9);
-    EXPECT_EQ(bench.sdk->temperature(Mono), 32);
+    bench.sdk->control(Mono).setTemperature(32); // seven degrees more: twice the dark current
+    EXPECT_NEAR(bench.sdk->control(Mono).knownHotPixels()[2].meanDn - pedestal,
+                2 * (cool - pedestal), 1e-9);
+    EXPECT_EQ(bench.sdk->control(Mono).temperature(), 32);
 }
 
 TEST(SimulatedCapture, ColourModeZeroGivesColourPixels)
@@ -317,7 +319,7 @@ TEST(SimulatedCapture, AFrameIsTheModelsFrameOfItsNumber)
 {
     Bench bench({bench::smallMono()}, 20);
     OpenedCamera mono(*bench.sdk);
-    bench.sdk->setCovered(Mono, true);
+    bench.sdk->control(Mono).setCovered(true);
     mono.startLive();
     const Pixels pixels = mono.nextFrame();
     ASSERT_FALSE(pixels.empty());
@@ -370,7 +372,7 @@ TEST_F(Recorded, FramesAreAllPlayedAsTheyAre)
         ASSERT_EQ(pixels, Pixels(96 * 64, level));
         levels.insert(level);
     }
-    EXPECT_TRUE(bench.sdk->knownHotPixels(Mono).empty());
+    EXPECT_TRUE(bench.sdk->control(Mono).knownHotPixels().empty());
 }
 
 TEST_F(Recorded, FramesCanBeKeptForTheCoveredSensor)
@@ -387,7 +389,7 @@ TEST_F(Recorded, FramesCanBeKeptForTheCoveredSensor)
     for (int frame = 0; frame < 3; ++frame) {
         ASSERT_FALSE(isRecorded());
     }
-    bench.sdk->setCovered(Mono, true);
+    bench.sdk->control(Mono).setCovered(true);
     while (!isRecorded()) {
         // Frames that were on their way when the cover was put on.
     }
@@ -424,7 +426,7 @@ TEST(BuiltInBus, EveryCameraIsDarkUnderItsCoverAtTheLongestExposure)
     Bench bench(bus.cameras, 1000);
     for (const CameraDescription& description : bus.cameras) {
         OpenedCamera opened(*bench.sdk, description.devId);
-        bench.sdk->setCovered(description.serial, true);
+        bench.sdk->control(description.serial).setCovered(true);
         double actual = 0;
         bench.sdk->setPixelClock(opened.handle, description.pixelClockMin);
         bench.sdk->setFrameRate(opened.handle, 1e-9, &actual);
@@ -446,7 +448,7 @@ TEST(BuiltInBus, SomeCamerasNeedASlowerClockForOneFramePerSecond)
     Bench bench(simulator::builtInBus().cameras, 1000);
     int needsSlower = 0;
     for (const CameraDescription& description : bench.bus.cameras) {
-        bench.sdk->setHeldElsewhere(description.serial, false);
+        bench.sdk->control(description.serial).setHeldElsewhere(false);
         CameraSdk::Handle handle = description.devId | camera::OpenWithFirmwareUpload;
         ASSERT_EQ(bench.sdk->initCamera(&handle, nullptr), 0);
         double least = 0;

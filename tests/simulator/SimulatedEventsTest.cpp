@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/SdkErrors.h"
 #include "tests/simulator/SimulatedBench.h"
 
@@ -27,13 +28,13 @@ TEST(SimulatedEvents, PullingACableSignalsTheCameraAndTheBus)
     EventHandle deviceRemoved = bound(*bench.sdk, 0, camera::EventDeviceRemoved);
     EventHandle deviceNew = bound(*bench.sdk, 0, camera::EventDeviceNew);
 
-    bench.sdk->setPlugged(Mono, false);
+    bench.sdk->control(Mono).setPlugged(false);
     EXPECT_TRUE(waitForEventObject(removed, GenerousMsec));
     EXPECT_TRUE(waitForEventObject(deviceRemoved, GenerousMsec));
     EXPECT_FALSE(waitForEventObject(reconnected, 0));
     EXPECT_FALSE(waitForEventObject(deviceNew, 0));
 
-    bench.sdk->setPlugged(Mono, true);
+    bench.sdk->control(Mono).setPlugged(true);
     EXPECT_TRUE(waitForEventObject(reconnected, GenerousMsec));
     EXPECT_TRUE(waitForEventObject(deviceNew, GenerousMsec));
     EXPECT_FALSE(waitForEventObject(removed, 0));
@@ -44,7 +45,7 @@ TEST(SimulatedEvents, ACableThatIsAlreadyThereSignalsNothing)
 {
     Bench bench;
     EventHandle deviceNew = bound(*bench.sdk, 0, camera::EventDeviceNew);
-    bench.sdk->setPlugged(Mono, true);
+    bench.sdk->control(Mono).setPlugged(true);
     EXPECT_FALSE(waitForEventObject(deviceNew, 0));
 }
 
@@ -53,7 +54,7 @@ TEST(SimulatedEvents, OtherCamerasAreNotConcerned)
     Bench bench;
     const OpenedCamera bayer(*bench.sdk, 2);
     EventHandle removed = bound(*bench.sdk, bayer.handle, camera::EventRemoved);
-    bench.sdk->setPlugged(Mono, false);
+    bench.sdk->control(Mono).setPlugged(false);
     EXPECT_FALSE(waitForEventObject(removed, 0));
 }
 
@@ -62,17 +63,17 @@ TEST(SimulatedEvents, OnlyEnabledOnesAreSignalled)
     Bench bench;
     EventHandle event = createEventObject();
     ASSERT_EQ(bench.sdk->initEvent(0, event, camera::EventDeviceRemoved), 0);
-    bench.sdk->setPlugged(Mono, false);
+    bench.sdk->control(Mono).setPlugged(false);
     EXPECT_FALSE(waitForEventObject(event, 0)) << "not enabled yet";
 
-    bench.sdk->setPlugged(Mono, true);
+    bench.sdk->control(Mono).setPlugged(true);
     ASSERT_EQ(bench.sdk->enableEvent(0, camera::EventDeviceRemoved), 0);
-    bench.sdk->setPlugged(Mono, false);
+    bench.sdk->control(Mono).setPlugged(false);
     EXPECT_TRUE(waitForEventObject(event, GenerousMsec));
 
-    bench.sdk->setPlugged(Mono, true);
+    bench.sdk->control(Mono).setPlugged(true);
     ASSERT_EQ(bench.sdk->disableEvent(0, camera::EventDeviceRemoved), 0);
-    bench.sdk->setPlugged(Mono, false);
+    bench.sdk->control(Mono).setPlugged(false);
     EXPECT_FALSE(waitForEventObject(event, 0)) << "disabled again";
 }
 
@@ -82,7 +83,7 @@ TEST(SimulatedEvents, ANewBindingReplacesTheOld)
     EventHandle old = bound(*bench.sdk, 0, camera::EventDeviceRemoved);
     EventHandle fresh = bound(*bench.sdk, 0, camera::EventDeviceRemoved);
     EXPECT_EQ(bench.sdk->boundEvents(), 1);
-    bench.sdk->setPlugged(Mono, false);
+    bench.sdk->control(Mono).setPlugged(false);
     EXPECT_TRUE(waitForEventObject(fresh, GenerousMsec));
     EXPECT_FALSE(waitForEventObject(old, 0));
 }

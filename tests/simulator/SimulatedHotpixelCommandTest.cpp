@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "simulator/SdkErrors.h"
 #include "tests/simulator/SimulatedBench.h"
 
@@ -29,7 +30,7 @@ TEST(SimulatedLists, OfANewCameraHoldSomeOfItsHotPixels)
     EXPECT_EQ(factory.size(), 4U);
     EXPECT_EQ(user.size(), 2U);
     const auto isHot = [&](std::uint16_t x, std::uint16_t y) {
-        for (const KnownHotPixel& pixel : bench.sdk->knownHotPixels(Mono)) {
+        for (const KnownHotPixel& pixel : bench.sdk->control(Mono).knownHotPixels()) {
             if (pixel.x == x && pixel.y == y) {
                 return true;
             }
@@ -154,7 +155,7 @@ protected:
         file.write("scrambled");
     }
     Bench m_bench;
-    QString m_fileName = m_bench.sdk->eepromFileName(Mono);
+    QString m_fileName = m_bench.sdk->control(Mono).eepromFileName();
 };
 
 TEST_F(DamagedEeprom, IsReportedAndLeftAsItIs)

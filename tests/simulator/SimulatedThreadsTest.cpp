@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/simulator/SimulatedBench.h"
 
 #include <atomic>
@@ -35,9 +36,9 @@ TEST(SimulatedThreads, MayCallEverythingAtOnce)
         sdk.setHardwareGain(handle, 20, 1, 2, 3);
     });
     repeat([&] {
-        sdk.setCovered(serial, !sdk.isCovered(serial));
-        sdk.setTemperature(serial, 20.0);
-        static_cast<void>(sdk.knownHotPixels(serial));
+        sdk.control(serial).setCovered(!sdk.control(serial).isCovered());
+        sdk.control(serial).setTemperature(20.0);
+        static_cast<void>(sdk.control(serial).knownHotPixels());
     });
     repeat([&] {
         std::uint16_t list[] = {1, 4, 5};
@@ -81,12 +82,12 @@ TEST(SimulatedThreads, CablesLidsAndClosingMayComeAtAnyMoment)
     std::thread hands([&] {
         bool on = false;
         while (!done) {
-            sdk.setPlugged(serial, on);
-            sdk.setDropFrames(serial, on);
+            sdk.control(serial).setPlugged(on);
+            sdk.control(serial).setDropFrames(on);
             on = !on;
             std::this_thread::yield();
         }
-        sdk.setPlugged(serial, true);
+        sdk.control(serial).setPlugged(true);
     });
     for (int cycle = 0; cycle < 50; ++cycle) {
         CameraSdk::Handle handle = 1 | camera::OpenByDevice;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 #include "simulator/SimulatedCameraSdk.h"
 #include "tests/faults/FaultyCameraSdk.h"

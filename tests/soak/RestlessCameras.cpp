@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "camera/Camera.h"
 #include "simulator/SimulatedCameraSdk.h"
 #include "tests/faults/FaultyCameraSdk.h"
@@ -147,15 +148,15 @@ bool soak::restlessCameras(int cycles, unsigned seed)
         };
         const auto restlessCycles = [&](int count) {
             const Hand cables(simulated, random(), [](auto& s, const QString& serial, Random& r) {
-                s.setPlugged(serial, between(r, 0, 3) != 0);
+                s.control(serial).setPlugged(between(r, 0, 3) != 0);
             });
-            const Hand lids(simulated, random(), [](auto& s, const QString& serial, Random& r) {
-                s.setDropFrames(serial, between(r, 0, 3) == 0);
-                s.setCovered(serial, between(r, 0, 1) == 0);
-                s.setTemperature(serial, between(r, 0, 60));
+            const Hand covers(simulated, random(), [](auto& s, const QString& serial, Random& r) {
+                s.control(serial).setDropFrames(between(r, 0, 3) == 0);
+                s.control(serial).setCovered(between(r, 0, 1) == 0);
+                s.control(serial).setTemperature(between(r, 0, 60));
             });
             const Hand others(simulated, random(), [](auto& s, const QString& serial, Random& r) {
-                s.setHeldElsewhere(serial, between(r, 0, 3) == 0);
+                s.control(serial).setHeldElsewhere(between(r, 0, 3) == 0);
             });
             for (int cycle = 0; cycle < count; ++cycle) {
                 try {
@@ -188,9 +189,9 @@ bool soak::restlessCameras(int cycles, unsigned seed)
 
         // And after all that, a camera works as on the first day.
         for (const QString& serial : simulated.serials()) {
-            simulated.setPlugged(serial, true);
-            simulated.setHeldElsewhere(serial, false);
-            simulated.setDropFrames(serial, false);
+            simulated.control(serial).setPlugged(true);
+            simulated.control(serial).setHeldElsewhere(false);
+            simulated.control(serial).setDropFrames(false);
         }
         camera.open(1);
         const bool alive = processEventsUntil([&] { return camera.frameCount() >= 3; });
@@ -198,9 +199,9 @@ bool soak::restlessCameras(int cycles, unsigned seed)
         bool back = false;
         QObject::connect(&camera, &Camera::cameraRemoved, &camera, [&] { removed = true; });
         QObject::connect(&camera, &Camera::cameraReconnect, &camera, [&] { back = true; });
-        simulated.setPlugged(QStringLiteral("SOAK1"), false);
+        simulated.control(QStringLiteral("SOAK1")).setPlugged(false);
         const bool noticed = processEventsUntil([&] { return removed; });
-        simulated.setPlugged(QStringLiteral("SOAK1"), true);
+        simulated.control(QStringLiteral("SOAK1")).setPlugged(true);
         if (!alive || !noticed || !processEventsUntil([&] { return back; })) {
             std::printf("The camera does not work any more: frames %d, unplugged %d, back %d\n",
                         alive, noticed, back);

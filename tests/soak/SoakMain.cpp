@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+#include "support/Utf8Locale.h"
 #include "tests/soak/Soak.h"
 
 #include <QApplication>
@@ -45,6 +47,7 @@ bool soak::hasNotGrown(const Footprint& before, const Footprint& after, int even
 /// Usage: vorn_soak restless|calm CYCLES [SEED]
 int main(int argc, char** argv)
 {
+    support::chooseUtf8Locale();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }

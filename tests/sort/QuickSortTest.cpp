@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "support/QuickSort.h"
 
 #include "tests/support/SharedData.h"

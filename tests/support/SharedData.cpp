@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/support/SharedData.h"
 
 QString sharedData(const char* name)

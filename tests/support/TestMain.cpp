@@ -1,3 +1,6 @@
+// SPDX-License-Identifier: MIT
+#include "support/Utf8Locale.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QTemporaryDir>
@@ -10,6 +13,7 @@
 /// settings, EEPROM files or locks of the person who runs it.
 int main(int argc, char** argv)
 {
+    support::chooseUtf8Locale();
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/view/ViewTestSupport.h"
 #include "view/DisplayWidget.h"
 
@@ -82,6 +83,26 @@ TEST_F(DisplayWidgetMouse, ClickOnTheLabelAndOnTheFrameMeanTheSamePlace)
     EXPECT_EQ(onlyClick(), QPoint(10, 4));
     QTest::mousePress(&display, Qt::LeftButton, {}, display.viewport()->pos() + QPoint(43, 19));
     EXPECT_EQ(onlyClick(), QPoint(10, 4));
+}
+
+TEST_F(DisplayWidgetMouse, NothingIsClickedOutsideOfTheViewport)
+{
+    setScale(4.0);
+    display.setFrameStyle(QFrame::Box);
+    display.setLineWidth(5);
+    QCoreApplication::processEvents();
+    const QRect viewport = display.viewport()->geometry();
+    ASSERT_GT(viewport.left(), 2);
+    for (const QPoint& outside :
+         {QPoint(1, 40), QPoint(40, 1), viewport.bottomRight() + QPoint(1, 1),
+          display.rect().bottomRight() - QPoint(2, 2)}) { // frame, and between the scroll bars
+        QTest::mouseClick(&display, Qt::LeftButton, {}, outside);
+        QTest::mousePress(&display, Qt::RightButton, {}, outside);
+        QTest::mouseMove(&display, outside - QPoint(1, 1));
+        QTest::mouseRelease(&display, Qt::RightButton, {}, outside);
+    }
+    EXPECT_TRUE(clicked.isEmpty());
+    EXPECT_EQ(display.horizontalScrollBar()->value(), 0);
 }
 
 TEST_F(DisplayWidgetMouse, ClickCountsFromTheScrolledLabel)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "view/DisplayWidget.h"
 
 #include "tests/view/ViewTestSupport.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/view/MagnifierFixture.h"
 #include "tests/view/ViewTestSupport.h"
 

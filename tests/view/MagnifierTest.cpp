@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "view/Magnifier.h"
 
 #include "tests/view/MagnifierFixture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "widgets/DoubleParameterWidget.h"
 
 #include "tests/widgets/MethodsOf.h"
@@ -134,6 +135,21 @@ TEST_F(DoubleParameter, ReportsItsValueWhenAsked)
 {
     m_widget.emitValueChanged();
     EXPECT_EQ(m_reports, (std::vector<double>{2.5}));
+}
+
+// A new range moves the spin box, and the window answers a moved spin box by setting the camera,
+// which writes what came of it into the same record.
+TEST_F(DoubleParameter, ShowsWhatItWasGivenAlsoWhenTheRecordChangesMeanwhile)
+{
+    m_param = {.min = 4, .max = 8, .increment = 0.5, .value = 6};
+    QObject::connect(&m_widget, &DoubleParameterWidget::valueChanged,
+                     [this] { m_param = {.min = 0, .max = 5, .increment = 1, .value = 1}; });
+    m_widget.setParam(m_param);
+    EXPECT_FALSE(m_reports.empty());
+    EXPECT_EQ(value(), 6.0);
+    EXPECT_EQ(m_widget.spinBox()->maximum(), 8.0);
+    EXPECT_EQ(m_widget.slider()->maximum(), 8);
+    EXPECT_EQ(position(), 4);
 }
 
 TEST_F(DoubleParameter, ReportsAValueThatANewParameterChanges)

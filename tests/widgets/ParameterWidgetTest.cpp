@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "widgets/ParameterWidget.h"
 
 #include "tests/widgets/MethodsOf.h"
@@ -132,6 +133,20 @@ TEST_F(Threshold, ReportsAValueThatANewParameterChanges)
     EXPECT_EQ(m_reports, (std::vector<int>{41}));
     m_widget.setParam(m_param);
     EXPECT_EQ(m_reports.size(), 1U) << "the same value again";
+}
+
+TEST_F(Threshold, ShowsWhatItWasGivenAlsoWhenTheRecordChangesMeanwhile)
+{
+    m_param = {.min = 50, .max = 60, .increment = 2, .value = 55};
+    QObject::connect(&m_widget, &ParameterWidget::valueChanged,
+                     [this] { m_param = {.min = 0, .max = 9, .increment = 1, .value = 1}; });
+    m_widget.setParam(m_param);
+    EXPECT_EQ(m_widget.spinBox()->value(), 55);
+    EXPECT_EQ(m_widget.spinBox()->maximum(), 60);
+    EXPECT_EQ(m_widget.spinBox()->singleStep(), 2);
+    EXPECT_EQ(m_widget.slider()->minimum(), 50);
+    EXPECT_EQ(m_widget.slider()->maximum(), 60);
+    EXPECT_EQ(m_widget.slider()->value(), 55);
 }
 
 TEST_F(Threshold, ReportsAValueThatANewRangeCutsOff)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "binding/Recorder.h"
 #include "camera/EventThread.h"
 #include "camera/OrdinalCameraSdk.h"

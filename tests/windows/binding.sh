@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # To be sourced by packaging/windows/check: the checks that need no Qt for Windows.
 
 # Wine, unlike Windows, starts a program whose ordinal is missing, with a stub in its place that

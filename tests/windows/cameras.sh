@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # To be sourced: the simulated cameras of the whole-program checks, and what is to be found there.
 
 # Hot pixels of the first camera's frames, far from each other and from the edges, line by line.

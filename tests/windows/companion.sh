@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # To be sourced by packaging/windows/check: the companion with the stand-in library, in text.
 
 # companion ARGUMENT...: runs vorn-hotpixel.exe where everything lies beside it.
@@ -57,5 +58,5 @@ check_companion() {
     fails_with 1 "completely obscured" companion detect 2
   expect "it refuses a camera that another program holds" \
     fails_with 1 "in use by another program" companion read 3
-  expect "it knows nothing of lens caps" fails_with 2 "cover" companion detect 1 --cover
+  expect "it knows nothing of covers" fails_with 2 "cover" companion detect 1 --cover
 }

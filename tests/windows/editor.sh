@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # To be sourced by packaging/windows/check: the editor with the stand-in library, under Wine and Xvfb,
 # driven with the mouse and the keyboard. Positions are those of the window as it is at its first
 # start, which takes up 800 × 600 pixels.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # To be sourced by packaging/windows/check: the checks of the whole program, which run the very files
 # that go into the zip, with the stand-in library beside them.
 

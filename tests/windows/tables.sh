@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # To be sourced: what the import and export tables of Windows files hold.
 
 ordinals=$(printf '%s\n' 3 5 17 23 36 38 55 56 57 58 68 69 70 205 213 215 221 231 233 237 239 247 271 \

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/cli/process/CompanionBench.h"
 
 #include "simulator/EepromFile.h"
@@ -6,7 +7,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonDocument>
-#include <QProcessEnvironment>
 #include <gtest/gtest.h>
 
 namespace {
@@ -27,6 +27,16 @@ QJsonObject Finished::json() const
 CompanionBench::CompanionBench(const QByteArray& cameras)
 {
     EXPECT_FALSE(write(QStringLiteral("cameras.ini"), cameras).isEmpty());
+    setVariable(QStringLiteral("HOME"), m_home.path());
+    setVariable(QStringLiteral("LC_ALL"), QStringLiteral("C.UTF-8"));
+    setVariable(QStringLiteral("XDG_DATA_HOME"), file(QStringLiteral("data")));
+    setVariable(QStringLiteral("VORN_SIMULATED_CAMERAS"), file(QStringLiteral("cameras.ini")));
+    setVariable(QStringLiteral("VORN_SIMULATED_EEPROMS"), file(QStringLiteral("eeprom")));
+}
+
+void CompanionBench::setVariable(const QString& name, const QString& value)
+{
+    m_environment.insert(name, value);
 }
 
 QString CompanionBench::write(const QString& name, const QByteArray& content) const
@@ -42,13 +52,7 @@ QString CompanionBench::write(const QString& name, const QByteArray& content) co
 std::unique_ptr<QProcess> CompanionBench::start(const QStringList& arguments) const
 {
     auto process = std::make_unique<QProcess>();
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("HOME"), m_home.path());
-    environment.insert(QStringLiteral("XDG_DATA_HOME"), file(QStringLiteral("data")));
-    environment.insert(QStringLiteral("VORN_SIMULATED_CAMERAS"),
-                       file(QStringLiteral("cameras.ini")));
-    environment.insert(QStringLiteral("VORN_SIMULATED_EEPROMS"), file(QStringLiteral("eeprom")));
-    process->setProcessEnvironment(environment);
+    process->setProcessEnvironment(m_environment);
     process->setWorkingDirectory(m_home.path());
     process->setStandardInputFile(QProcess::nullDevice());
     process->start(QStringLiteral(VORN_COMPANION), arguments);

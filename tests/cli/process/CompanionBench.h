@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "hotpixel/BadpixelEntry.h"
@@ -5,6 +6,7 @@
 #include <QByteArray>
 #include <QJsonObject>
 #include <QProcess>
+#include <QProcessEnvironment>
 #include <QStringList>
 #include <QTemporaryDir>
 
@@ -29,6 +31,9 @@ class CompanionBench
 public:
     /// @param cameras the text of the settings file of the simulated cameras
     explicit CompanionBench(const QByteArray& cameras);
+
+    /// Sets a variable of the environment for the processes that are started from now on.
+    void setVariable(const QString& name, const QString& value);
 
     /// A file in the bench's folder.
     [[nodiscard]] QString file(const QString& name) const { return m_home.filePath(name); }
@@ -57,6 +62,7 @@ public:
 
 private:
     QTemporaryDir m_home;
+    QProcessEnvironment m_environment = QProcessEnvironment::systemEnvironment();
 };
 
 /// The settings of a small, fast camera with the Dev number 1 and the serial number S1, a Bayer

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListFile.h"
 #include "tests/cli/process/CompanionBench.h"
 
@@ -100,10 +101,7 @@ TEST(CompanionProcess, FailsWithOneLineForACameraThatCantBeOpened)
         const QString arguments =
             QLatin1String(command) + QLatin1String(" CAMERA") +
             QLatin1String(command == std::string_view("write --yes") ? " %1" : "");
-        for (const char* camera : {"9", "S", "S3", "-1x"}) {
-            if (*camera == '-') {
-                continue;
-            }
+        for (const char* camera : {"9", "S", "S3"}) {
             const Finished missing = bench.run(
                 QString(arguments).replace(QLatin1String("CAMERA"), QLatin1String(camera)), list);
             EXPECT_EQ(missing.status, 1);
@@ -191,7 +189,8 @@ TEST(CompanionProcess, TellsMachinesWhatItWrote)
 {
     const CompanionBench bench(smallCamera());
     const QString empty = bench.write(QStringLiteral("empty.txt"), "");
-    const QJsonObject json = bench.run(QStringLiteral("write 1 %1 --yes --json"), empty).json();
+    const QJsonObject json =
+        bench.run(QStringLiteral("write 1 %1 --yes --allow-empty --json"), empty).json();
     const QJsonObject written = json[QStringLiteral("written")].toObject();
     EXPECT_EQ(json[QStringLiteral("file")].toString(), empty);
     EXPECT_EQ(written[QStringLiteral("entries")].toInt(-1), 0);
@@ -220,6 +219,8 @@ TEST(CompanionProcess, WritesNothingThatIsNotAListForThisCamera)
          "The entry (1, 48) lies outside the sensor of 64 × 48 pixels."},
         {QStringLiteral("class"), "1 1 1\n5 5 0\n",
          "%1, line 2: this is no user entry (x, y and the class 1)."},
+        {QStringLiteral("zero"), "1 1 1\n012 3 1\n",
+         "%1, line 2: 012 has a leading zero, with which the editor reads it as octal."},
         {QStringLiteral("words"), "Dear diary,\n",
          "%1, line 1: this is no user entry (x, y and the class 1)."},
     };
@@ -239,6 +240,38 @@ TEST(CompanionProcess, WritesNothingThatIsNotAListForThisCamera)
                     .startsWith("Can't open file for reading. (" + missing.toLocal8Bit()));
     EXPECT_EQ(bench.eeprom(QStringLiteral("S1")), before);
     EXPECT_TRUE(bench.backups().isEmpty());
+}
+
+TEST(CompanionProcess, WipesAListOnlyWhenItIsToldTo)
+{
+    const CompanionBench bench(smallCamera());
+    bench.run(QStringLiteral("read 1"));
+    // No pixel is brighter than the mean by 255.
+    const Entries before = bench.eeprom(QStringLiteral("S1"));
+    const QString empty = bench.write(QStringLiteral("empty.txt"), "");
+    const QByteArray message = "The new list is empty; use --allow-empty to wipe the user list in "
+                               "the camera (3 entries).";
+
+    const Finished written = bench.run(QStringLiteral("write 1 %1 --yes --json"), empty);
+    EXPECT_EQ(written.status, 1);
+    EXPECT_EQ(written.out, QByteArray());
+    EXPECT_EQ(errorLine(written), message);
+    const Finished detected =
+        bench.run(QStringLiteral("detect 1 --cover --clear --threshold 255 --write --yes --json"));
+    EXPECT_EQ(detected.status, 1);
+    EXPECT_TRUE(detected.err.endsWith(message + '\n')) << detected.err.constData();
+    EXPECT_EQ(bench.eeprom(QStringLiteral("S1")), before);
+    EXPECT_TRUE(bench.backups().isEmpty());
+
+    EXPECT_EQ(bench
+                  .run(QStringLiteral("detect 1 --cover --clear --threshold 255 --write --yes "
+                                      "--allow-empty"))
+                  .status,
+              0);
+    EXPECT_TRUE(bench.eeprom(QStringLiteral("S1")).empty());
+    EXPECT_EQ(bench.backups().size(), 1);
+    // There is nothing left that could be wiped.
+    EXPECT_EQ(bench.run(QStringLiteral("write 1 %1 --yes"), empty).status, 0);
 }
 
 TEST(CompanionProcess, RefusesToOverwriteWithoutAQuestionOrYes)
@@ -283,6 +316,47 @@ TEST(CompanionProcess, LeavesTheOldFileWhenTheResultCantBeSaved)
         EXPECT_TRUE(errorLine(full).startsWith("Can't save to /dev/full: "));
         EXPECT_FALSE(QFileInfo(QStringLiteral("/dev/full")).isFile());
     }
+}
+
+TEST(CompanionProcess, FindsOutBeforeTheFramesThatTheResultCantBeSaved)
+{
+    const CompanionBench bench(smallCamera());
+    const QString longName = bench.file(QString(256, u'n'));
+    const Finished tooLong =
+        bench.run(QStringLiteral("detect 1 --cover --clear --json --out %1"), longName);
+    EXPECT_EQ(tooLong.status, 1);
+    EXPECT_EQ(tooLong.out, QByteArray());
+    EXPECT_EQ(errorLine(tooLong),
+              "Can't save to " + longName.toLocal8Bit() + ": Can't open file for writing.");
+    EXPECT_FALSE(QFileInfo::exists(bench.file(QStringLiteral("eeprom")))) << "a camera was opened";
+
+    const QString list = bench.write(QStringLiteral("list.txt"), "9 9 1\n");
+    EXPECT_EQ(bench.run(QStringLiteral("detect 7 --out %1"), list).status, 1);
+    EXPECT_EQ(contentOf(list), QByteArray("9 9 1\n")) << "looking changed the file";
+    const QString missing = bench.file(QStringLiteral("missing.txt"));
+    EXPECT_EQ(bench.run(QStringLiteral("detect 7 --out %1"), missing).status, 1);
+    EXPECT_FALSE(QFileInfo::exists(missing)) << "looking made a file";
+}
+
+TEST(CompanionProcess, NotesEntriesBehindTheSensorWithAndWithoutAFile)
+{
+    const CompanionBench bench(smallCamera());
+    ASSERT_EQ(bench
+                  .run(QStringLiteral("write 1 %1 --yes"),
+                       bench.write(QStringLiteral("list.txt"), "1 2 1\n64 5 1\n"))
+                  .status,
+              0);
+    const QByteArray note =
+        "Note: 1 entry at x = 64, behind the sensor's last column, as a detection lists them.\n";
+    const QString list = bench.file(QStringLiteral("out.txt"));
+    for (const char* options : {"", " --json", " --out %1", " --out %1 --write --yes"}) {
+        const Finished finished = bench.run(
+            QStringLiteral("detect 1 --cover --threshold 255") + QLatin1String(options), list);
+        EXPECT_EQ(finished.status, 0) << finished.err.constData();
+        EXPECT_EQ(finished.err.count(note), 1) << options << finished.err.constData();
+    }
+    EXPECT_FALSE(
+        bench.run(QStringLiteral("detect 1 --cover --clear --threshold 255")).err.contains("Note"));
 }
 
 TEST(CompanionProcess, DetectsUnderTheLensCapAndSavesAndWrites)
@@ -397,7 +471,73 @@ TEST(CompanionProcess, SaysNothingOfASettingsFileThatIsNotThereButOfOneThatIsWro
     EXPECT_EQ(wrong.err.count('\n'), 1) << wrong.err.constData();
 }
 
+#ifdef Q_OS_LINUX
+
+TEST(CompanionProcess, HasNoWidgetsInIt)
+{
+    const CompanionBench bench(smallCamera().replace("speed=40", "speed=0.05"));
+    const std::unique_ptr<QProcess> process =
+        bench.start({QStringLiteral("detect"), QStringLiteral("1"), QStringLiteral("--cover")});
+    ASSERT_TRUE(CompanionBench::waitForError(*process, "Taking 10 dark frames"));
+    const QByteArray mapped = contentOf(QStringLiteral("/proc/%1/maps").arg(process->processId()));
+    EXPECT_TRUE(mapped.contains("libQt6Core")) << mapped.constData();
+    EXPECT_FALSE(mapped.contains("libQt6Widgets")) << mapped.constData();
+    process->terminate();
+    EXPECT_EQ(CompanionBench::finish(*process).status, 1);
+}
+
+#endif
+
 #ifdef Q_OS_UNIX
+
+TEST(CompanionProcess, WritesAnXForTheTimesSignWhereTheLocaleHasNone)
+{
+    CompanionBench bench(smallCamera());
+    const QString outside = bench.write(QStringLiteral("list.txt"), "1 48 1\n");
+    for (const char* locale : {"C", "POSIX"}) {
+        bench.setVariable(QStringLiteral("LC_ALL"), QLatin1String(locale));
+        EXPECT_TRUE(bench.run(QStringLiteral("detect 1 --cover"))
+                        .out.contains("Sensor: 64 x 48 pixels, raw Bayer\n"));
+        EXPECT_EQ(errorLine(bench.run(QStringLiteral("write 1 %1 --yes --json"), outside)),
+                  QByteArray("The entry (1, 48) lies outside the sensor of 64 x 48 pixels."));
+    }
+    // One that is not installed says by its name what the terminal shows.
+    for (const char* locale : {"C.UTF-8", "xx_XX.utf8"}) {
+        bench.setVariable(QStringLiteral("LC_ALL"), QLatin1String(locale));
+        EXPECT_TRUE(bench.run(QStringLiteral("detect 1 --cover"))
+                        .out.contains("Sensor: 64 × 48 pixels, raw Bayer\n"))
+            << locale;
+    }
+}
+
+TEST(CompanionProcess, NeedsAHomeThatCanBeWrittenForBackupsOnly)
+{
+    CompanionBench bench(smallCamera());
+    const QString list = bench.write(QStringLiteral("list.txt"), "1 2 1\n");
+    const QString out = bench.file(QStringLiteral("out.txt"));
+    // Not even root can make a folder here.
+    bench.setVariable(QStringLiteral("HOME"), QStringLiteral("/dev/null/home"));
+    bench.setVariable(QStringLiteral("XDG_DATA_HOME"), {});
+    bench.setVariable(QStringLiteral("VORN_SIMULATED_EEPROMS"), {});
+    for (const char* arguments : {"cameras", "read 1", "read 1 --out %1", "--help", "--version"}) {
+        const Finished finished = bench.run(QLatin1String(arguments), out);
+        EXPECT_EQ(finished.status, 0) << arguments;
+        EXPECT_EQ(finished.err, QByteArray()) << arguments;
+    }
+    const Finished detected = bench.run(QStringLiteral("detect 1 --cover --out %1"), out);
+    EXPECT_EQ(detected.status, 0);
+    EXPECT_EQ(detected.err.count('\n'), 1) << detected.err.constData();
+
+    const QByteArray message = "Can't save the old list in /dev/null/home/.local/share/"
+                               "VornHotpixelEditor/backups: the folder can't be made.";
+    const Finished written = bench.run(QStringLiteral("write 1 %1 --yes"), list);
+    EXPECT_EQ(written.status, 1);
+    EXPECT_EQ(errorLine(written), message);
+    const Finished notTaken = bench.run(QStringLiteral("detect 1 --cover --write --yes"));
+    EXPECT_EQ(notTaken.status, 1);
+    EXPECT_EQ(errorLine(notTaken), message) << "the frames were taken in vain";
+    EXPECT_EQ(notTaken.out, QByteArray());
+}
 
 TEST(CompanionProcess, ClosesTheCameraWhenItIsInterrupted)
 {
@@ -420,3 +560,15 @@ TEST(CompanionProcess, ClosesTheCameraWhenItIsInterrupted)
 }
 
 #endif
+
+TEST(CompanionProcess, SaysNothingOfItsOwnWithoutALocale)
+{
+    constexpr auto Variable = "LC_ALL";
+    const QByteArray before = qgetenv(Variable);
+    qputenv(Variable, "C");
+    const CompanionBench bench(smallCamera());
+    const Finished finished = bench.run(QStringLiteral("read 1"));
+    before.isNull() ? qunsetenv(Variable) : qputenv(Variable, before);
+    EXPECT_EQ(finished.status, 0);
+    EXPECT_EQ(finished.err, QByteArray());
+}

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListFile.h"
 #include "tests/cli/process/CompanionBench.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/cli/process/CompanionBench.h"
 
 #include <QtGlobal>
@@ -6,8 +7,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
 #include <poll.h>
@@ -19,14 +22,46 @@ namespace {
 
 constexpr int DeadlineMsec = 120'000;
 
+/// What a terminal of @p columns shows after @p output: its lines, without blanks at their ends.
+QByteArrayList screenOf(const QByteArray& output, int columns)
+{
+    QByteArrayList lines{QByteArray()};
+    int column = 0;
+    for (const char character : output) {
+        if (character == '\r') {
+            column = 0;
+        } else if (character == '\n') {
+            lines.append(QByteArray());
+        } else {
+            if (column == columns) {
+                lines.append(QByteArray());
+                column = 0;
+            }
+            QByteArray& line = lines.back();
+            line = line.leftJustified(std::max<qsizetype>(line.size(), column + 1));
+            line[column++] = character;
+        }
+    }
+    for (QByteArray& line : lines) {
+        while (line.endsWith(' ')) {
+            line.chop(1);
+        }
+    }
+    return lines;
+}
+
 /// The companion on a terminal of its own.
 class TerminalRun
 {
 public:
-    TerminalRun(const CompanionBench& bench, const QByteArrayList& arguments)
+    TerminalRun(const CompanionBench& bench, const QByteArrayList& arguments,
+                std::uint16_t columns = 80)
+        : m_columns(columns)
     {
         m_master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
         EXPECT_GE(m_master, 0);
+        const winsize size{25, columns, 0, 0};
+        EXPECT_EQ(ioctl(m_master, TIOCSWINSZ, &size), 0);
         EXPECT_EQ(grantpt(m_master), 0);
         EXPECT_EQ(unlockpt(m_master), 0);
         const QByteArray slave = ptsname(m_master);
@@ -87,6 +122,9 @@ public:
                   text.size());
     }
 
+    /// What Ctrl+C does, but for its echo.
+    void interrupt() const { EXPECT_EQ(kill(m_child, SIGINT), 0); }
+
     /// Waits for the end. @return the exit status, −1 when it did not end by itself.
     int finish()
     {
@@ -99,6 +137,9 @@ public:
     }
 
     [[nodiscard]] const QByteArray& shown() const { return m_shown; }
+
+    /// The lines that stand on the terminal now.
+    [[nodiscard]] QByteArrayList screen() const { return screenOf(m_shown, m_columns); }
 
 private:
     bool readSome()
@@ -117,6 +158,7 @@ private:
         return true;
     }
 
+    int m_columns;
     int m_master = -1;
     pid_t m_child = -1;
     QByteArray m_shown;
@@ -203,6 +245,41 @@ TEST_F(CompanionOnATerminal, ShowsHowFarADetectionIs)
     EXPECT_EQ(run.finish(), 0) << run.shown().constData();
     // The bar goes when it is done.
     EXPECT_TRUE(run.shown().contains("\r" + QByteArray(10, ' ')));
+}
+
+TEST_F(CompanionOnATerminal, LeavesNothingOfTheBarOnANarrowOne)
+{
+    const CompanionBench slow(smallCamera().replace("speed=40", "speed=2"));
+    for (const std::uint16_t columns : {std::uint16_t{30}, std::uint16_t{45}}) {
+        TerminalRun run(slow, words("detect 1 --cover"), columns);
+        EXPECT_TRUE(run.waitFor("4/11"));
+        const QByteArray bar = run.screen().back();
+        EXPECT_TRUE(bar.startsWith("Taking dark frames")) << bar.constData();
+        EXPECT_EQ(run.finish(), 0) << run.shown().constData();
+        for (const QByteArray& line : run.screen()) {
+            EXPECT_FALSE(line.contains('#') || line.contains("/11")) << line.constData();
+        }
+    }
+}
+
+TEST_F(CompanionOnATerminal, LeavesNothingOfTheBarAndOfTheKeysWhenItIsInterrupted)
+{
+    const CompanionBench slow(smallCamera().replace("speed=40", "speed=0.5"));
+    for (const std::uint16_t columns : {std::uint16_t{45}, std::uint16_t{80}}) {
+        TerminalRun run(slow, words("detect 1 --cover"), columns);
+        ASSERT_TRUE(run.waitFor("Taking dark frames ["));
+        // What Ctrl+C looks like. The key itself would be echoed only after the signal
+        // that it sends, and the companion may be quicker than the echo.
+        run.type("^C");
+        ASSERT_TRUE(run.waitFor("^C"));
+        run.interrupt();
+        EXPECT_EQ(run.finish(), 1);
+        const QByteArrayList screen = run.screen();
+        ASSERT_GE(screen.size(), 2);
+        EXPECT_EQ(screen[screen.size() - 2], QByteArray("vorn-hotpixel-demo: Interrupted."));
+        EXPECT_EQ(screen.back(), QByteArray());
+        EXPECT_FALSE(screen.join('\n').contains("^C")) << screen.join('\n').constData();
+    }
 }
 
 #endif

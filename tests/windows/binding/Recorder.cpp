@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A library with the ordinals of "Vorn_api_64.dll" that knows nothing of the functions behind them:
 // every ordinal stores the argument registers and the stack as they are. So it sees what a caller
 // really passes, whatever the caller's declarations say.

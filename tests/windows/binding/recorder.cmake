@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The library Vorn_api_64.dll that records the calls that reach it, and the same without its last
 # ordinal. They bear one name, so each lies in a folder of its own, bin/ and bin-incomplete/.
 set(recorder_folder "${CMAKE_CURRENT_LIST_DIR}")
@@ -10,7 +11,7 @@ set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${recorder_def}"
 
 function(vorn_recorder target folder def)
   add_library(${target} SHARED "${recorder_folder}/Recorder.cpp" "${def}")
-  _vorn_target_defaults(${target})
+  vorn_target_defaults(${target})
   target_link_options(${target} PRIVATE -static)
   set_target_properties(
     ${target}

@@ -1,0 +1,86 @@
+# SPDX-License-Identifier: MIT
+"""Prints the tables of docs/performance.md from what bench/run has measured into a folder."""
+
+import json
+import os
+import platform
+import statistics
+import sys
+
+folder = sys.argv[1]
+
+
+def runs(program):
+    with open(os.path.join(folder, program + ".json"), encoding="utf-8") as file:
+        return {run["name"]: run for run in json.load(file)["benchmarks"]}
+
+
+def milliseconds(run):
+    return run["real_time"] * {"ns": 1e-6, "us": 1e-3, "ms": 1.0, "s": 1e3}[run["time_unit"]]
+
+
+def processor():
+    with open("/proc/cpuinfo", encoding="utf-8") as file:
+        for line in file:
+            if line.startswith("model name"):
+                return line.split(":", 1)[1].strip()
+    return platform.machine()
+
+
+def row(*cells):
+    print("| " + " | ".join(str(cell) for cell in cells) + " |")
+
+
+def table(*titles):
+    print()
+    row(*titles)
+    print("|" + "---|" * len(titles))
+
+
+def ratio(run, key):
+    return "%.2f" % run[key] if key in run else "–"
+
+
+print("%s, %d cores, load %.1f when it was measured." % (processor(), os.cpu_count(), os.getloadavg()[0]))
+
+detection = runs("detection_bench")
+table("detection, ten frames", "ours (ms)", "OpenCV", "floor", "to OpenCV", "to floor (goal 1.8)")
+for name, run in detection.items():
+    if not name.startswith("detection/"):
+        continue
+    parts = dict(part.split(":") for part in name.split("/")[1:4])
+    size = int(parts["width"]) * int(parts["height"]) / 1e6
+    row("%.1f megapixels, %s" % (size, {"6": "monochrome", "11": "Bayer"}[parts["mode"]]),
+        "%.2f" % run["detect_ms"], "%.1f" % run["opencv_ms"] if "opencv_ms" in run else "–",
+        "%.2f" % run["read_ms"], ratio(run, "to_opencv"), ratio(run, "to_read"))
+
+table("from frame to screen, with 1,000 marks", "ms", "goal")
+goals = {"One": 20, "Quarter": 20, "Four": 160}
+for name, run in runs("view_bench").items():
+    if name.startswith("redrawOf20Megapixels"):
+        kind = name.split("/")[1]
+        row("20 megapixels at " + {"One": "1:1", "Quarter": "1:4", "Four": "4:1"}[kind],
+            "%.1f" % milliseconds(run), goals[kind])
+
+table("command, 20 megapixels", "10 entries (ms)", "1,000", "5,000 (goal 150)", "50,000")
+commands = {}
+for name, run in runs("app_bench").items():
+    _, command, entries = name.split("/")[:3]
+    commands.setdefault(command, {})[int(entries)] = milliseconds(run)
+for command, times in commands.items():
+    row(command, *("%.1f" % times[entries] for entries in (10, 1000, 5000, 50000)))
+
+table("list", "time (ms)")
+for name, run in runs("hotpixel_bench").items():
+    row(name.split("/manual")[0], "%.3g" % milliseconds(run))
+
+with open(os.path.join(folder, "demo.txt"), encoding="utf-8") as file:
+    figures = [line.split() for line in file if line.startswith(("start ", "live "))]
+starts = [int(value) for kind, value in figures if kind == "start"]
+live = [int(value) for kind, value in figures if kind == "live"]
+if starts:
+    table("demo", "", "goal")
+    row("from its start to a window that takes input, median of five",
+        "%d ms" % statistics.median(starts), "350 ms")
+    if live:
+        row("20 megapixels at 2 frames per second", "%d %% of a core" % live[0], "15 %")

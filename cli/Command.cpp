@@ -1,6 +1,0 @@
-#include "cli/Command.h"
-
-QList<QCommandLineOption> Command::options(const std::vector<SdkSwitch>& /*switches*/) const
-{
-    return {};
-}

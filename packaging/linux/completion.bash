@@ -1,0 +1,44 @@
+# SPDX-License-Identifier: MIT
+# Completion of the companion's command line in bash. What there is it asks of the program's own help,
+# so that it offers neither more nor less.
+
+_vorn_hotpixel() {
+  local program=$1 word=$2 previous=$3
+  local -a words=()
+  local i help kind=
+  COMPREPLY=()
+  for ((i = 1; i < COMP_CWORD; i++)); do
+    [[ ${COMP_WORDS[i]} = -* ]] || words+=("${COMP_WORDS[i]}")
+  done
+  help=$("$program" ${words[0]:+"${words[0]}"} --help 2>/dev/null) || return 0
+
+  if [[ $previous = --* ]]; then
+    # The value of an option that takes one, such as "--out <FILE>".
+    kind=$(sed -nE "s/^  (-[a-z], )?$previous <([A-Z]+)>.*/\2/p" <<<"$help")
+  fi
+  if [[ -z $kind && $word = -* ]]; then
+    kind=options
+  elif [[ -z $kind && ${#words[@]} = 0 ]]; then
+    kind=commands
+  elif [[ -z $kind ]]; then
+    # "Usage: PROGRAM COMMAND CAMERA FILE [options]"
+    kind=$(sed -nE 's/^Usage: [^ ]+ [^ ]+ //p' <<<"$help" | cut -d ' ' -f "${#words[@]}")
+  fi
+
+  case $kind in
+    options)
+      mapfile -t COMPREPLY < <(compgen -W \
+        "$(sed -nE 's/^  (-[a-z], )?(--[a-z-]+).*/\2/p' <<<"$help")" -- "$word") ;;
+    commands)
+      mapfile -t COMPREPLY < <(compgen -W \
+        "$(sed -nE '/^Commands.*:$/,/^$/s/^  ([a-z][a-z-]*).*/\1/p' <<<"$help")" -- "$word") ;;
+    CAMERA)
+      mapfile -t COMPREPLY < <(compgen -W \
+        "$("$program" cameras --json 2>/dev/null | grep -oE '"serNo":"[^"]*"' | cut -d '"' -f 4)" \
+        -- "$word") ;;
+    *FILE* | *FRAME* | *FOLDER* | *LIST* | *DIR*)
+      compopt -o filenames 2>/dev/null
+      mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+  esac
+}
+complete -F _vorn_hotpixel vorn-hotpixel-demo
