@@ -1,0 +1,280 @@
+#include "darkframes/FitsReader.h"
+
+#include "darkframes/FrameError.h"
+#include "darkframes/FrameSize.h"
+#include "darkframes/GzipFile.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <array>
+#include <cmath>
+#include <fitsio.h>
+#include <vector>
+
+namespace {
+
+using darkframes::refuse;
+using darkframes::translated;
+
+constexpr double GreatestValue = 65535;
+
+QString badValues()
+{
+    return translated("holds values that are not whole numbers from 0 to 65535");
+}
+
+/// An open FITS file, which it closes.
+class FitsFile
+{
+public:
+    explicit FitsFile(const QString& fileName)
+        : m_fileName(fileName)
+        , m_bytes(QFileInfo(fileName).size())
+    {
+        // The call for disk files, because the usual one takes much in a name for an instruction.
+        const QByteArray path = QFile::encodeName(QFileInfo(fileName).absoluteFilePath());
+        fits_open_diskfile(&m_file, path.constData(), READONLY, &m_status);
+        check();
+    }
+
+    /// @param content of a FITS file, which has to outlive this
+    FitsFile(const QString& fileName, QByteArray& content)
+        : m_fileName(fileName)
+        , m_bytes(content.size())
+        , m_memory(content.data())
+        , m_memoryBytes(static_cast<std::size_t>(content.size()))
+    {
+        fits_open_memfile(&m_file, "memory", READONLY, &m_memory, &m_memoryBytes, 0, nullptr,
+                          &m_status);
+        check();
+    }
+
+    ~FitsFile()
+    {
+        int status = 0;
+        if (m_file != nullptr) {
+            fits_close_file(m_file, &status);
+        }
+        fits_clear_errmsg();
+    }
+
+    Q_DISABLE_COPY_MOVE(FitsFile)
+
+    Frame read()
+    {
+        findImage();
+        checkSize();
+        int type = 0;
+        fits_get_img_equivtype(m_file, &type, &m_status);
+        check();
+        QImage image(static_cast<int>(m_axes[0]), static_cast<int>(m_axes[1]),
+                     type == BYTE_IMG ? QImage::Format_Grayscale8 : QImage::Format_Grayscale16);
+        if (image.isNull()) {
+            refuse(m_fileName, translated("not enough memory"));
+        }
+        switch (type) {
+        case BYTE_IMG:
+            readRows(image, TBYTE);
+            break;
+        case SHORT_IMG:
+        case USHORT_IMG:
+            readRows(image, TUSHORT);
+            break;
+        default:
+            readNumbers(image);
+            break;
+        }
+        return {std::move(image), mosaic()};
+    }
+
+private:
+    void check()
+    {
+        if (m_status == 0) {
+            return;
+        }
+        if (m_status == END_OF_FILE || m_status == READ_ERROR || m_status == SEEK_ERROR) {
+            refuse(m_fileName, translated("truncated"));
+        }
+        if (m_status == NUM_OVERFLOW) {
+            refuse(m_fileName, badValues());
+        }
+        std::array<char, FLEN_STATUS> text{};
+        fits_get_errstatus(m_status, text.data());
+        refuse(m_fileName, translated("damaged (%1)").arg(QString::fromLatin1(text.data())));
+    }
+
+    /// Goes to the first image with two axes.
+    void findImage()
+    {
+        for (int number = 1;; ++number) {
+            int kind = 0;
+            if (number > 1 && fits_movabs_hdu(m_file, number, &kind, &m_status) != 0) {
+                break;
+            }
+            fits_get_hdu_type(m_file, &kind, &m_status);
+            check();
+            if (kind != IMAGE_HDU) {
+                continue;
+            }
+            int depth = 0;
+            int axes = 0;
+            fits_get_img_paramll(m_file, static_cast<int>(m_axes.size()), &depth, &axes,
+                                 m_axes.data(), &m_status);
+            check();
+            if (axes == 2) {
+                m_bytesPerPixel = static_cast<quint64>(std::abs(depth) / 8);
+                return;
+            }
+        }
+        if (m_status != END_OF_FILE) {
+            check();
+        }
+        refuse(m_fileName, translated("holds no image with two axes"));
+    }
+
+    void checkSize()
+    {
+        LONGLONG start = 0;
+        LONGLONG end = 0;
+        fits_get_hduaddrll(m_file, nullptr, &start, &end, &m_status);
+        check();
+        const auto rest = static_cast<quint64>(std::max<qint64>(0, m_bytes - start));
+        const bool compressed = fits_is_compressed_image(m_file, &m_status) != 0;
+        darkframes::checkClaimedSize(m_fileName, m_axes[0], m_axes[1],
+                                     compressed ? 1 : m_bytesPerPixel, rest,
+                                     compressed ? darkframes::CompressionRatio : 1);
+        if (compressed) {
+            checkTiles(rest);
+        }
+    }
+
+    /// CFITSIO believes what a compressed image says about its table and about its tiles.
+    void checkTiles(quint64 rest)
+    {
+        const LONGLONG rowBytes = number("NAXIS1", 0);
+        const LONGLONG rows = number("NAXIS2", 0);
+        const LONGLONG heapBytes = number("PCOUNT", 0);
+        const auto most = static_cast<LONGLONG>(rest);
+        if (rowBytes < 0 || rows < 0 || heapBytes < 0 || heapBytes > most ||
+            (rowBytes > 0 && rows > (most - heapBytes) / rowBytes)) {
+            refuse(m_fileName, translated("truncated"));
+        }
+        const LONGLONG tileColumns = number("ZTILE1", m_axes[0]);
+        const LONGLONG tileRows = number("ZTILE2", 1);
+        if (tileColumns < 1 || tileColumns > m_axes[0] || tileRows < 1 || tileRows > m_axes[1]) {
+            refuse(m_fileName, translated("damaged (tiles that are larger than the image)"));
+        }
+        const LONGLONG across = (m_axes[0] + tileColumns - 1) / tileColumns;
+        const LONGLONG down = (m_axes[1] + tileRows - 1) / tileRows;
+        if (rows != across * down) {
+            refuse(m_fileName, translated("damaged (tiles are missing)"));
+        }
+    }
+
+    LONGLONG number(const char* key, LONGLONG fallback)
+    {
+        int status = 0;
+        LONGLONG value = fallback;
+        return fits_read_key(m_file, TLONGLONG, key, &value, nullptr, &status) == 0 ? value
+                                                                                    : fallback;
+    }
+
+    QString text(const char* key)
+    {
+        int status = 0;
+        std::array<char, FLEN_VALUE> value{};
+        return fits_read_key(m_file, TSTRING, key, value.data(), nullptr, &status) == 0
+                   ? QString::fromLatin1(value.data()).trimmed()
+                   : QString();
+    }
+
+    /// @param undefined a value that the reader may put where the file has none
+    void readRow(int y, int type, void* undefined, void* values)
+    {
+        std::array<LONGLONG, 2> first{1, LONGLONG{y} + 1};
+        int anyUndefined = 0;
+        fits_read_pixll(m_file, type, first.data(), m_axes[0], undefined, values, &anyUndefined,
+                        &m_status);
+        check();
+        if (anyUndefined != 0) {
+            refuse(m_fileName, translated("holds undefined pixels"));
+        }
+    }
+
+    void readRows(QImage& image, int type)
+    {
+        quint16 undefined = 1;
+        quint8 undefinedByte = 1;
+        void* value = type == TBYTE ? static_cast<void*>(&undefinedByte) : &undefined;
+        for (int y = 0; y < image.height(); ++y) {
+            readRow(y, type, value, image.scanLine(y));
+        }
+    }
+
+    void readNumbers(QImage& image)
+    {
+        std::vector<double> numbers(static_cast<std::size_t>(image.width()));
+        double undefined = -1;
+        for (int y = 0; y < image.height(); ++y) {
+            readRow(y, TDOUBLE, &undefined, numbers.data());
+            auto* line = reinterpret_cast<quint16*>(image.scanLine(y));
+            for (const double value : numbers) {
+                // This way round it is true for what is no number, too.
+                if (!(value >= 0 && value <= GreatestValue && value == std::floor(value))) {
+                    refuse(m_fileName, badValues());
+                }
+                *line++ = static_cast<quint16>(value);
+            }
+        }
+    }
+
+    std::optional<Mosaic> mosaic()
+    {
+        QString colours = text("BAYERPAT");
+        if (colours.isEmpty()) {
+            return std::nullopt;
+        }
+        // Where the rows were turned over, programs do not agree on what the pattern refers to.
+        const bool upsideDown = text("ROWORDER").startsWith(QLatin1String("BOTTOM"));
+        if (!Mosaic::fromColours(colours) || upsideDown) {
+            return Mosaic::bayer();
+        }
+        if (number("XBAYROFF", 0) % 2 != 0) {
+            colours = QString(colours[1]) + colours[0] + colours[3] + colours[2];
+        }
+        if (number("YBAYROFF", 0) % 2 != 0) {
+            colours = colours.mid(2) + colours.left(2);
+        }
+        return Mosaic::fromColours(colours);
+    }
+
+    QString m_fileName;
+    qint64 m_bytes;
+    void* m_memory = nullptr;
+    std::size_t m_memoryBytes = 0;
+    fitsfile* m_file = nullptr;
+    int m_status = 0;
+    std::array<LONGLONG, 2> m_axes{};
+    quint64 m_bytesPerPixel = 1;
+};
+
+} // namespace
+
+Frame darkframes::readFits(const QString& fileName)
+{
+    if (!isGzipFile(fileName)) {
+        return FitsFile(fileName).read();
+    }
+    QByteArray content = unpackGzipFile(fileName);
+    return FitsFile(fileName, content).read();
+}
+
+QString darkframes::fitsReaderName()
+{
+    return QStringLiteral("CFITSIO %1.%2.%3")
+        .arg(CFITSIO_MAJOR)
+        .arg(CFITSIO_MINOR)
+        .arg(CFITSIO_MICRO);
+}
