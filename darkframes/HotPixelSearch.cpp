@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "darkframes/HotPixelSearch.h"
 
 #include <algorithm>
