@@ -36,7 +36,8 @@ bool isKnown(const FoundPixel& pixel)
 
 constexpr std::array Kinds{
     Kind{"clustered", QT_TRANSLATE_NOOP("darkframes", "in a cluster"),
-         [](const FoundPixel& pixel) { return pixel.isClustered; }, "m 0 -1.8 l 1.6 2.9 l -3.2 0 z"},
+         [](const FoundPixel& pixel) { return pixel.isClustered; },
+         "m 0 -1.8 l 1.6 2.9 l -3.2 0 z"},
     Kind{"known", QT_TRANSLATE_NOOP("darkframes", "known"), &isKnown,
          "m -0.9 -0.9 l 1.8 0 l 0 1.8 l -1.8 0 z"},
     Kind{"flickering", QT_TRANSLATE_NOOP("darkframes", "flickering"),
