@@ -177,12 +177,12 @@ DetectCommand::Settings DetectCommand::settingsOf(const QCommandLineParser& pars
                                   .arg(GreatestThreshold)
                                   .arg(thresholdText));
     }
-    const Settings settings{.threshold = threshold,
-                            .clear = parser.isSet(QLatin1String(ClearOption)),
-                            .automatic = parser.isSet(QLatin1String(AutoOption)),
-                            .write = parser.isSet(QLatin1String(WriteOption)),
-                            .save = parser.isSet(QLatin1String(OutOption)),
-                            .fileName = parser.value(QLatin1String(OutOption))};
+    Settings settings{.threshold = threshold,
+                      .clear = parser.isSet(QLatin1String(ClearOption)),
+                      .automatic = parser.isSet(QLatin1String(AutoOption)),
+                      .write = parser.isSet(QLatin1String(WriteOption)),
+                      .save = parser.isSet(QLatin1String(OutOption)),
+                      .fileName = parser.value(QLatin1String(OutOption))};
     if (settings.write) {
         cli::checkWriteOptions(parser, context);
     }

@@ -82,7 +82,7 @@ QString takeEntry(std::string_view line, BadpixelEntry& entry)
     unsigned pixelClass = 0;
     for (const auto& [number, maximum] :
          {std::pair(&x, 0xffffU), {&y, 0xffffU}, {&pixelClass, 0xffU}}) {
-        if (const QString fault = takeNumber(line, maximum, *number); !fault.isEmpty()) {
+        if (QString fault = takeNumber(line, maximum, *number); !fault.isEmpty()) {
             return fault;
         }
     }
