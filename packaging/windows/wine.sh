@@ -9,7 +9,8 @@
 wine=$(command -v wine64 || true)
 wine=${wine:-/usr/lib/wine/wine64}
 export WINEPREFIX=$PWD/build/wine
-export WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml="
+# Without Wine's debugger: it would end a program that crashed, with a status of chance, often 0.
+export WINEDEBUG=-all WINEDLLOVERRIDES="mscoree,mshtml,winedbg.exe="
 
 wine_start() {
   # Wine complains about its 32-bit part, which is not needed here.
