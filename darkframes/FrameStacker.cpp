@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "darkframes/FrameStacker.h"
 
 #include "darkframes/FrameError.h"
@@ -107,7 +108,7 @@ void FrameStacker::flush()
     m_pending.clear();
 }
 
-const DarkStack& FrameStacker::finish(std::uint32_t least)
+DarkStack FrameStacker::finish(std::uint32_t least)
 {
     if (frameCount() < least || !m_stack) {
         if (!m_stack) {
@@ -118,5 +119,6 @@ const DarkStack& FrameStacker::finish(std::uint32_t least)
     if (!m_pending.empty()) {
         flush();
     }
-    return *m_stack;
+    const auto stack = std::exchange(m_stack, nullptr);
+    return std::move(*stack);
 }

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "darkframes/DarkStack.h"
@@ -29,10 +30,10 @@ public:
     /// The colour filters; nothing as long as nobody said.
     [[nodiscard]] const std::optional<Mosaic>& mosaic() const { return m_mosaic; }
 
-    /// The stack of all frames that were added.
+    /// The stack of all frames that were added; there are none here any more then.
     /// @throws FrameError when there are fewer than @p least: "NAME: one frame only, ..." or "there
     /// are no frames".
-    const DarkStack& finish(std::uint32_t least);
+    DarkStack finish(std::uint32_t least);
 
 private:
     void checkSize(const QString& name, const ImageInfo& info) const;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "darkframes/HotPixelSearch.h"
 
 #include <algorithm>
@@ -91,6 +92,9 @@ darkframes::fillingThreshold(const DarkStack& stack, std::span<const PlaneStatis
         }
     }
     for (const PixelPosition& pixel : known) {
+        if (pixel.x >= stack.info().width || pixel.y >= stack.info().height) {
+            continue;
+        }
         for (const PlaneStatistics& statistics : planes) {
             const SensorPlane& plane = statistics.plane;
             if (pixel.x % plane.step == plane.x && pixel.y % plane.step == plane.y) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 #include "darkframes/DarkStack.h"
@@ -73,7 +74,7 @@ HotPixels findHotPixels(const DarkStack& stack, std::span<const HotLimit> limits
 
 /// The least threshold that finds no more new pixels than a list has room for.
 /// @param planes those that a search goes through
-/// @param known pixels of the sensor that do not count, each once
+/// @param known pixels that do not count, each once; what does not lie on the sensor is left out
 /// @param least, greatest the thresholds that may be chosen
 /// @return nothing when even @p greatest finds too many
 std::optional<FillingThreshold> fillingThreshold(const DarkStack& stack,

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "darkframes/ImageFileReader.h"
 
 #include "darkframes/FrameError.h"

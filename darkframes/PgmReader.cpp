@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "darkframes/PgmReader.h"
 
 #include "darkframes/FrameError.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "darkframes/SumDistribution.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The readers of frames that need a library of their own. Where it is missing the build goes on, and
 # the program says of what it was made without.
 option(VORN_WITH_FITS "Read FITS files, with CFITSIO and zlib where they are installed" ON)

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/darkframes/DngFile.h"
 
 #include <QFile>

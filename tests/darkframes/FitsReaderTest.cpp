@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "darkframes/FitsReader.h"
 
 #include "tests/darkframes/FrameFiles.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "darkframes/HotPixelSearch.h"
 
 #include "darkframes/Survey.h"
@@ -236,7 +237,7 @@ TEST(FillingThreshold, IsTheLeastThereIsWhereEverythingFits)
 
 TEST(FillingThreshold, LeavesOutWhatIsKnown)
 {
-    const auto two = filling(2, {{3, 7}, {0, 0}});
+    const auto two = filling(2, {{3, 7}, {0, 0}, {13, 7}, {60000, 60000}});
     ASSERT_TRUE(two);
     EXPECT_EQ(two->threshold, 48U);
     EXPECT_EQ(two->found, 2U);

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "darkframes/Mosaic.h"
 
 #include <QStringList>

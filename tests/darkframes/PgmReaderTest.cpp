@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "darkframes/PgmReader.h"
 
 #include "tests/darkframes/FrameFiles.h"

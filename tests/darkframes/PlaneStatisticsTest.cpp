@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "darkframes/PlaneStatistics.h"
 
 #include "tests/darkframes/ReferenceStatistics.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "darkframes/RawReader.h"
 
 #include "tests/darkframes/DngFile.h"

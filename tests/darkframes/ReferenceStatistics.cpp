@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/darkframes/ReferenceStatistics.h"
 
 #include <algorithm>
