@@ -54,6 +54,24 @@ for name, run in detection.items():
         "%.2f" % run["detect_ms"], "%.1f" % run["opencv_ms"] if "opencv_ms" in run else "–",
         "%.2f" % run["read_ms"], ratio(run, "to_opencv"), ratio(run, "to_read"))
 
+dark = runs("darkframes_bench")
+sizes = {"1280": "1.3", "5472": "20"}
+table("dark frames, ten of them", "stacked (ms)", "two or eight at a time", "floor", "to floor (goal 2.5)",
+      "two or eight at a time")
+for name, run in dark.items():
+    if name.startswith("stacking/"):
+        parts = dict(part.split(":") for part in name.split("/")[1:4])
+        row("%s megapixels, %s bits" % (sizes[parts["width"]], parts["bits"]), "%.1f" % run["stack_ms"],
+            "%.1f" % run["as_they_come_ms"], "%.1f" % run["read_ms"], ratio(run, "to_read"),
+            ratio(run, "as_they_come_to_read"))
+
+table("survey of ten PNG files", "ours (ms)", "decoding them", "to decoding (goal 1.3)")
+for name, run in dark.items():
+    if name.startswith("surveyOfFiles/"):
+        parts = dict(part.split(":") for part in name.split("/")[1:4])
+        row("%s megapixels, %s bits" % (sizes[parts["width"]], parts["bits"]), "%.0f" % run["survey_ms"],
+            "%.0f" % run["decode_ms"], ratio(run, "to_decode"))
+
 table("from frame to screen, with 1,000 marks", "ms", "goal")
 goals = {"One": 20, "Quarter": 20, "Four": 160}
 for name, run in runs("view_bench").items():

@@ -44,7 +44,8 @@ struct CommandContext
     const std::vector<SdkSwitch>& switches;
     Console& console;
     Interruption& interruption;
-    bool json; ///< results for machines
+    bool json;                ///< results for machines
+    QString commandLine = {}; ///< how the program was called, to be repeated in a shell
 };
 
 /// One sub-command of the companion.

@@ -3,9 +3,11 @@
 
 #include "camera/CameraSdk.h"
 #include "cli/Console.h"
+#include "darkframes/FrameFile.h"
 
 #include <QCommandLineParser>
 #include <QFileInfo>
+#include <QRegularExpression>
 
 #include <algorithm>
 #include <exception>
@@ -15,6 +17,7 @@
 #define VORN_COMMANDS(COMMAND)                                                                     \
     COMMAND(cameras)                                                                               \
     COMMAND(read)                                                                                  \
+    COMMAND(survey)                                                                                \
     COMMAND(detect)                                                                                \
     COMMAND(write)
 
@@ -49,6 +52,20 @@ void checkCount(const QStringList& values, const QStringList& arguments)
     }
 }
 
+/// @p arguments as a shell takes them.
+QString commandLineOf(const QStringList& arguments)
+{
+    static const QRegularExpression Special(QStringLiteral("[^A-Za-z0-9_./:=,+@%-]"));
+    QStringList words;
+    for (QString word : arguments) {
+        if (word.isEmpty() || word.contains(Special)) {
+            word = u'\'' + word.replace(u'\'', QStringLiteral("'\\''")) + u'\'';
+        }
+        words.append(word);
+    }
+    return words.join(u' ');
+}
+
 } // namespace
 
 Companion::Companion(MakeSdk makeSdk, std::vector<SdkSwitch> switches, Console& console,
@@ -70,6 +87,7 @@ std::vector<Command> Companion::allCommands()
 int Companion::run(const QStringList& arguments)
 {
     m_program = QFileInfo(arguments.value(0)).completeBaseName();
+    m_commandLine = commandLineOf(QStringList(m_program) + arguments.mid(1));
     int status = dispatch(arguments.mid(1));
     if (!m_console.flush() && status == Succeeded) {
         m_console.notice(tr("%1: Can't write the results.").arg(m_program));
@@ -154,8 +172,12 @@ void Companion::runCommand(const Command& command, const QStringList& arguments)
         }
         return *sdk;
     };
-    CommandContext context{sdkOnDemand, m_switches, m_console, m_interruption,
-                           parser.isSet(QLatin1String(JsonOption))};
+    CommandContext context{sdkOnDemand,
+                           m_switches,
+                           m_console,
+                           m_interruption,
+                           parser.isSet(QLatin1String(JsonOption)),
+                           m_commandLine};
     command.run(values, parser, context);
 }
 
@@ -177,6 +199,9 @@ bool Companion::parse(QCommandLineParser& parser, const QString& usage,
     }
     if (parser.isSet(QLatin1String(VersionOption))) {
         m_console.result(m_program + u' ' + QCoreApplication::applicationVersion());
+        for (const QString& reader : darkframes::readerLines()) {
+            m_console.result(tr("reads %1").arg(reader));
+        }
         return false;
     }
     return true;

@@ -52,5 +52,6 @@ private:
     Console& m_console;
     Interruption& m_interruption;
     std::vector<Command> m_commands;
-    QString m_program; ///< its name, for usage lines
+    QString m_program;     ///< its name, for usage lines
+    QString m_commandLine; ///< with all arguments
 };

@@ -1,13 +1,16 @@
 // SPDX-License-Identifier: MIT
-// `detect`: takes dark frames with a camera and finds its hotpixels.
+// `detect`: finds hotpixels in dark frames of a camera or from files.
 
 #include "cli/CameraSession.h"
 #include "cli/Command.h"
 #include "cli/Console.h"
+#include "cli/DarkFrames.h"
 #include "cli/EntryText.h"
+#include "cli/ExactDetection.h"
 #include "cli/GuardedWrite.h"
 #include "cli/ListFiles.h"
 #include "cli/LiveDetection.h"
+#include "cli/SurveyOptions.h"
 #include "detection/DetectionRun.h"
 #include "hotpixel/BadpixelListModel.h"
 #include "hotpixel/CameraLists.h"
@@ -15,20 +18,20 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
-#include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace {
 
-constexpr auto ThresholdOption = "threshold";
 constexpr auto ClearOption = "clear";
 constexpr auto AutoOption = "auto";
 constexpr auto OutOption = "out";
 constexpr auto WriteOption = "write";
-
-constexpr int LeastThreshold = 5;
-constexpr int GreatestThreshold = 255;
-constexpr int DefaultThreshold = 40;
+constexpr auto LikeEditorOption = "like-editor";
+constexpr auto FlickeringOption = "flickering";
+constexpr auto ReportOption = "report";
+constexpr auto CsvOption = "csv";
+constexpr auto SaveFramesOption = "save-frames";
 
 /// After the settings changed, one image may be waiting and one being exposed that don't have them.
 constexpr int FramesBeforeSettings = 2;
@@ -54,12 +57,6 @@ QString outcomeWord(LiveDetection::Outcome outcome)
     return QStringLiteral("failed");
 }
 
-std::size_t countOf(std::span<const BadpixelEntry> entries, Pixelclass pixelClass)
-{
-    return static_cast<std::size_t>(
-        std::ranges::count(entries, pixelClass, &BadpixelEntry::pixelClass));
-}
-
 class DetectCommand
 {
     Q_DECLARE_TR_FUNCTIONS(DetectCommand)
@@ -73,39 +70,62 @@ private:
     /// What the options say.
     struct Settings
     {
-        int threshold;
+        cli::AskedRule rule;
+        bool files;
+        bool likeEditor;
+        bool flickering;
         bool clear;
         bool automatic;
         bool write;
         bool save;
-        QString fileName; ///< to save to
+        QString fileName; ///< to save the list to
+        QString csvFile;  ///< and others; empty for none
+        QString reportFile;
+        QString frameFolder;
     };
 
     /// What the camera's lists hold that the run will find again.
     struct Known
     {
-        std::size_t factory;
-        std::size_t user;
+        std::vector<PixelPosition> factory;
+        std::vector<PixelPosition> user;
     };
 
-    static Settings settingsOf(const QCommandLineParser& parser, const CommandContext& context);
+    static Settings settingsOf(const QStringList& values, const QCommandLineParser& parser,
+                               const CommandContext& context);
+    static void checkTogether(const Settings& settings);
+
+    static void detectInFiles(const QStringList& values, const Settings& settings,
+                              const QCommandLineParser& parser, CommandContext& context);
+    static void detectWithCamera(const QString& name, const Settings& settings,
+                                 const QCommandLineParser& parser, CommandContext& context);
+
     static void readLists(Camera& camera, BadpixelListModel& list);
-    static void reportSettings(CameraSession& session, const Settings& settings, Report& report);
-    static Known takeFrames(CameraSession& session, BadpixelListModel& list,
-                            const Settings& settings, CommandContext& context, Report& report);
-    static void reportFound(const Camera& camera, std::span<const BadpixelEntry> found,
-                            const Known& known, const Settings& settings, Report& report);
+    static Known knownIn(const BadpixelListModel& list, bool clear);
+    static void run(CameraSession& session, BadpixelListModel& list, const Settings& settings,
+                    const Known& known, CommandContext& context, Report& report);
+    static LiveDetection::Result findIn(const DarkFrames& frames, BadpixelListModel& list,
+                                        const Settings& settings, const Known& known,
+                                        const CommandContext& context, Report& report);
+
+    static void reportRule(const HotRule& rule, Report& report);
+    static void reportResult(const LiveDetection::Result& result, Report& report);
+    static void reportFound(bool isBayer, std::span<const BadpixelEntry> found, const HotRule& rule,
+                            const Settings& settings, Report& report);
+    static void saveList(const Settings& settings, std::span<const BadpixelEntry> entries,
+                         std::size_t count, Report& report);
 };
 
 QList<QCommandLineOption> DetectCommand::options(const std::vector<SdkSwitch>& switches)
 {
-    QList<QCommandLineOption> options{
-        {QLatin1String(ThresholdOption),
-         tr("How many grey levels above the mean a hotpixel is, from %1 to %2 (%3 unless told).")
-             .arg(LeastThreshold)
-             .arg(GreatestThreshold)
-             .arg(DefaultThreshold),
-         QStringLiteral("N"), QString::number(DefaultThreshold)},
+    QList<QCommandLineOption> options = cli::frameOptions();
+    options += cli::ruleOptions();
+    options += {
+        {QLatin1String(FlickeringOption),
+         tr("Add the pixels that are hot in at least one image, but not in the mean.")},
+        {QLatin1String(LikeEditorOption),
+         tr("Find what the editor finds: its way over the image takes the first pixel of a row for "
+            "one behind the row before, too, and ends before the image does.")},
         {QLatin1String(ClearOption),
          tr("Start without the user entries that the camera holds; the camera itself keeps them "
             "unless --write is given.")},
@@ -117,6 +137,14 @@ QList<QCommandLineOption> DetectCommand::options(const std::vector<SdkSwitch>& s
         {QLatin1String(OutOption),
          tr("Save the user entries, known and new, to the list file FILE."),
          QStringLiteral("FILE")},
+        {QLatin1String(CsvOption),
+         tr("Save what was found, and what the frames say about it, as a table."),
+         QStringLiteral("FILE")},
+        {QLatin1String(ReportOption), tr("Save a report with diagrams as a page of HTML."),
+         QStringLiteral("FILE")},
+        {QLatin1String(SaveFramesOption),
+         tr("Save the images that are used as PNG files to an empty folder."),
+         QStringLiteral("DIR")},
         {QLatin1String(WriteOption),
          tr("Write the user entries, known and new, into the camera, as the command write does.")}};
     options += cli::writeOptions();
@@ -129,10 +157,94 @@ QList<QCommandLineOption> DetectCommand::options(const std::vector<SdkSwitch>& s
 void DetectCommand::run(const QStringList& values, const QCommandLineParser& parser,
                         CommandContext& context)
 {
-    const Settings settings = settingsOf(parser, context);
+    const Settings settings = settingsOf(values, parser, context);
+    if (settings.files) {
+        detectInFiles(values, settings, parser, context);
+    } else {
+        detectWithCamera(values.front(), settings, parser, context);
+    }
+}
+
+DetectCommand::Settings DetectCommand::settingsOf(const QStringList& values,
+                                                  const QCommandLineParser& parser,
+                                                  const CommandContext& context)
+{
+    cli::checkFrameOptions(values, parser);
+    Settings settings{.rule = cli::askedRule(parser, cli::takesFiles(parser)),
+                      .files = cli::takesFiles(parser),
+                      .likeEditor = parser.isSet(QLatin1String(LikeEditorOption)),
+                      .flickering = parser.isSet(QLatin1String(FlickeringOption)),
+                      .clear = parser.isSet(QLatin1String(ClearOption)),
+                      .automatic = parser.isSet(QLatin1String(AutoOption)),
+                      .write = parser.isSet(QLatin1String(WriteOption)),
+                      .save = parser.isSet(QLatin1String(OutOption)),
+                      .fileName = parser.value(QLatin1String(OutOption)),
+                      .csvFile = parser.value(QLatin1String(CsvOption)),
+                      .reportFile = parser.value(QLatin1String(ReportOption)),
+                      .frameFolder = parser.value(QLatin1String(SaveFramesOption))};
+    checkTogether(settings);
+    if (settings.write) {
+        cli::checkWriteOptions(parser, context);
+    }
+    for (const char* option : {OutOption, CsvOption, ReportOption}) {
+        if (parser.isSet(QLatin1String(option))) {
+            cli::checkOutputFile(parser.value(QLatin1String(option)));
+        }
+    }
+    if (parser.isSet(QLatin1String(SaveFramesOption))) {
+        cli::makeFrameFolder(settings.frameFolder);
+    }
+    return settings;
+}
+
+void DetectCommand::checkTogether(const Settings& settings)
+{
+    if (settings.files && (settings.clear || settings.automatic || settings.write)) {
+        throw cli::UsageError(tr("--clear, --auto and --write are for a camera, and --frames takes "
+                                 "none."));
+    }
+    if (!settings.likeEditor) {
+        return;
+    }
+    if (settings.rule.sigma || settings.flickering) {
+        throw cli::UsageError(
+            tr("The editor knows no --sigma and no --flickering: --like-editor goes without."));
+    }
+    // Positions that are no pixels have no values to show.
+    if (!settings.csvFile.isEmpty() || !settings.reportFile.isEmpty()) {
+        throw cli::UsageError(tr("--csv and --report show pixels of the sensor, and --like-editor "
+                                 "finds others, too."));
+    }
+}
+
+void DetectCommand::detectInFiles(const QStringList& values, const Settings& settings,
+                                  const QCommandLineParser& parser, CommandContext& context)
+{
     Report report(context.console, context.json);
-    const CameraItem chosen =
-        cli::chooseCamera(camera::connectedCameras(context.sdk()), values.front());
+    const DarkFrames frames = cli::readDarkFrames(values, parser, 1, settings.frameFolder, context);
+    const HotRule rule = cli::ruleFor(settings.rule, frames.stack.info().bitsPerPixel);
+    cli::reportFiles(frames, report);
+    reportRule(rule, report);
+
+    BadpixelListModel list;
+    list.setMaxUserEntries(std::numeric_limits<int>::max());
+    if (settings.likeEditor) {
+        cli::detectLikeEditor(frames, static_cast<int>(rule.threshold), list);
+    } else {
+        reportResult(findIn(frames, list, settings, {}, context, report), report);
+    }
+    report.insert("outcome", outcomeWord(LiveDetection::Outcome::Found));
+    reportFound(frames.mosaic.isBayer(), list.entries(), rule, settings, report);
+    cli::noteEntriesBeside(list.entries(), static_cast<int>(frames.stack.info().width),
+                           context.console);
+    saveList(settings, list.entries(), list.entries().size(), report);
+}
+
+void DetectCommand::detectWithCamera(const QString& name, const Settings& settings,
+                                     const QCommandLineParser& parser, CommandContext& context)
+{
+    Report report(context.console, context.json);
+    const CameraItem chosen = cli::chooseCamera(camera::connectedCameras(context.sdk()), name);
     for (const SdkSwitch& sdkSwitch : context.switches) {
         if (parser.isSet(sdkSwitch.name)) {
             sdkSwitch.apply(context.sdk(), chosen.devId);
@@ -145,51 +257,29 @@ void DetectCommand::run(const QStringList& values, const QCommandLineParser& par
     if (settings.automatic) {
         session.camera().setAutoConfig();
     }
-    reportSettings(session, settings, report);
+    constexpr std::uint32_t CameraBits = 8;
+    const HotRule rule = cli::ruleFor(settings.rule, CameraBits);
+    cli::reportCamera(session, report);
+    reportRule(rule, report);
 
-    const Known known = takeFrames(session, list, settings, context, report);
-    const std::span<const BadpixelEntry> found = list.entries().subspan(known.factory + known.user);
-    reportFound(session.camera(), found, known, settings, report);
+    // The run itself clears the list, so what is known is counted as it will find it.
+    const Known known = knownIn(list, settings.clear);
+    run(session, list, settings, known, context, report);
+    const std::size_t before = known.factory.size() + known.user.size();
+    const std::span<const BadpixelEntry> found = list.entries().subspan(before);
+    report.line(tr("Already known: %1 in the factory list, %2 in the user list")
+                    .arg(known.factory.size())
+                    .arg(known.user.size()));
+    reportFound(session.camera().colorMode() == camera::ColorModeBayer8, found, rule, settings,
+                report);
 
     if (!settings.write) {
         cli::noteEntriesBeside(list.entries(), session.camera().imageWidth(), context.console);
     }
-    if (settings.save) {
-        cli::saveOutputFile(settings.fileName, list.entries());
-        report.insert("saved", settings.fileName);
-        report.line(tr("Saved to %1: %2")
-                        .arg(settings.fileName, cli::entryCount(known.user + found.size())));
-    }
+    saveList(settings, list.entries(), known.user.size() + found.size(), report);
     if (settings.write) {
         cli::writeUserEntries(session, list.entries(), parser, context, report);
     }
-}
-
-DetectCommand::Settings DetectCommand::settingsOf(const QCommandLineParser& parser,
-                                                  const CommandContext& context)
-{
-    bool isNumber = false;
-    const QString thresholdText = parser.value(QLatin1String(ThresholdOption));
-    const int threshold = thresholdText.toInt(&isNumber);
-    if (!isNumber || threshold < LeastThreshold || threshold > GreatestThreshold) {
-        throw cli::UsageError(tr("The threshold has to be a number from %1 to %2, not \"%3\".")
-                                  .arg(LeastThreshold)
-                                  .arg(GreatestThreshold)
-                                  .arg(thresholdText));
-    }
-    Settings settings{.threshold = threshold,
-                      .clear = parser.isSet(QLatin1String(ClearOption)),
-                      .automatic = parser.isSet(QLatin1String(AutoOption)),
-                      .write = parser.isSet(QLatin1String(WriteOption)),
-                      .save = parser.isSet(QLatin1String(OutOption)),
-                      .fileName = parser.value(QLatin1String(OutOption))};
-    if (settings.write) {
-        cli::checkWriteOptions(parser, context);
-    }
-    if (settings.save) {
-        cli::checkOutputFile(settings.fileName);
-    }
-    return settings;
 }
 
 void DetectCommand::readLists(Camera& camera, BadpixelListModel& list)
@@ -205,31 +295,14 @@ void DetectCommand::readLists(Camera& camera, BadpixelListModel& list)
     }
 }
 
-void DetectCommand::reportSettings(CameraSession& session, const Settings& settings, Report& report)
+DetectCommand::Known DetectCommand::knownIn(const BadpixelListModel& list, bool clear)
 {
-    const Camera& camera = session.camera();
-    report.line(cli::cameraText(session.description()));
-    report.line(tr("Sensor: %1 pixels, %2")
-                    .arg(cli::sizeText({camera.imageWidth(), camera.imageHeight()}),
-                         camera.colorMode() == camera::ColorModeBayer8 ? tr("raw Bayer")
-                                                                       : tr("monochrome")));
-    report.line(tr("Images: %1 per second, exposure %2 ms, master gain %3")
-                    .arg(camera.framerate().value, 0, 'f', 2)
-                    .arg(camera.exposure().value, 0, 'f', 1)
-                    .arg(camera.mastergain().value));
-    report.insert("camera", cli::cameraObject(session.description()));
-    report.insert("width", camera.imageWidth());
-    report.insert("height", camera.imageHeight());
-    report.insert("colorMode", camera.colorMode());
-    report.insert("threshold", settings.threshold);
-    report.insert("framesPerSecond", camera.framerate().value);
-    report.insert("exposureMsec", camera.exposure().value);
-    report.insert("mastergain", camera.mastergain().value);
+    return {cli::positionsOf(list.entries(), FactoryPixel),
+            clear ? std::vector<PixelPosition>() : cli::positionsOf(list.entries(), UserPixel)};
 }
 
-DetectCommand::Known DetectCommand::takeFrames(CameraSession& session, BadpixelListModel& list,
-                                               const Settings& settings, CommandContext& context,
-                                               Report& report)
+void DetectCommand::run(CameraSession& session, BadpixelListModel& list, const Settings& settings,
+                        const Known& known, CommandContext& context, Report& report)
 {
     const int skippedFrames = settings.automatic ? FramesBeforeSettings : 0;
     const int images = skippedFrames + DetectionRun::FrameCount + 1;
@@ -239,50 +312,115 @@ DetectCommand::Known DetectCommand::takeFrames(CameraSession& session, BadpixelL
                                    .arg(DetectionRun::FrameCount)
                                    .arg(std::ceil(images / framesPerSecond)));
     }
-    // The run itself clears the list, so what is known is counted as it will find it.
-    const Known known{countOf(list.entries(), FactoryPixel),
-                      settings.clear ? 0 : countOf(list.entries(), UserPixel)};
-    report.insert("known",
-                  QJsonObject{{QStringLiteral("factory"), static_cast<qint64>(known.factory)},
-                              {QStringLiteral("user"), static_cast<qint64>(known.user)}});
+    report.insert(
+        "known", QJsonObject{{QStringLiteral("factory"), static_cast<qint64>(known.factory.size())},
+                             {QStringLiteral("user"), static_cast<qint64>(known.user.size())}});
 
-    const LiveDetection::Result result =
-        LiveDetection(session, list, context)
-            .run(settings.clear, settings.threshold, skippedFrames);
-    report.insert("outcome", outcomeWord(result.outcome));
-    if (result.outcome != LiveDetection::Outcome::Found) {
-        report.insert("message", result.message);
-        if (result.outcome == LiveDetection::Outcome::TooMany) {
-            report.insert("foundWithoutLimit", result.foundWithoutLimit);
-        }
-        throw cli::CommandError(result.message);
+    LiveDetection detection(session, list, context);
+    if (!settings.frameFolder.isEmpty()) {
+        detection.setFrameWatch([&settings](const QVector<QImage>& frames) {
+            cli::saveFrames(frames, settings.frameFolder);
+        });
     }
-    return known;
+    LiveDetection::Result result;
+    if (settings.likeEditor) {
+        const HotRule rule = cli::ruleFor(settings.rule, 8);
+        result = detection.run(settings.clear, static_cast<int>(rule.threshold), skippedFrames);
+    } else {
+        QVector<QImage> frames;
+        result = detection.takeFrames(frames, skippedFrames);
+        if (result.outcome == LiveDetection::Outcome::Found) {
+            if (settings.clear) {
+                list.clearUserBadpixelList();
+            }
+            result =
+                findIn(cli::darkFramesOf(session, frames), list, settings, known, context, report);
+        }
+    }
+    report.insert("outcome", outcomeWord(result.outcome));
+    reportResult(result, report);
 }
 
-void DetectCommand::reportFound(const Camera& camera, std::span<const BadpixelEntry> found,
-                                const Known& known, const Settings& settings, Report& report)
+LiveDetection::Result DetectCommand::findIn(const DarkFrames& frames, BadpixelListModel& list,
+                                            const Settings& settings, const Known& known,
+                                            const CommandContext& context, Report& report)
+{
+    const HotRule rule = cli::ruleFor(settings.rule, frames.stack.info().bitsPerPixel);
+    const cli::ExactDetection detection(frames, rule, settings.flickering);
+    const LiveDetection::Result result = cli::addFound(detection.found, list);
+    report.insert("flickering", static_cast<qint64>(detection.findings.pixels.flickering.size()));
+    // What is too much for a camera is worth a look, too.
+    const std::vector<FoundPixel> pixels = darkframes::foundPixels(
+        frames.stack, detection.survey, detection.findings, known.factory, known.user);
+    if (!settings.csvFile.isEmpty()) {
+        cli::saveTextFile(settings.csvFile, darkframes::foundPixelsCsv(pixels));
+        report.insert("csv", settings.csvFile);
+    }
+    if (!settings.reportFile.isEmpty()) {
+        const QString page =
+            darkframes::htmlReport(detection.survey, detection.findings, pixels, std::nullopt,
+                                   cli::reportContext(frames, context));
+        cli::saveTextFile(settings.reportFile, page.toUtf8());
+        report.insert("report", settings.reportFile);
+    }
+    return result;
+}
+
+void DetectCommand::reportRule(const HotRule& rule, Report& report)
+{
+    if (rule.sigma) {
+        report.insert("sigma", *rule.sigma);
+    } else {
+        report.insert("threshold", static_cast<qint64>(rule.threshold));
+    }
+}
+
+void DetectCommand::reportResult(const LiveDetection::Result& result, Report& report)
+{
+    if (result.outcome == LiveDetection::Outcome::Found) {
+        return;
+    }
+    report.insert("message", result.message);
+    if (result.outcome == LiveDetection::Outcome::TooMany) {
+        report.insert("foundWithoutLimit", result.foundWithoutLimit);
+    }
+    throw cli::CommandError(result.message);
+}
+
+void DetectCommand::reportFound(bool isBayer, std::span<const BadpixelEntry> found,
+                                const HotRule& rule, const Settings& settings, Report& report)
 {
     report.insert("found", static_cast<qint64>(found.size()));
     report.insert("pixels", cli::entryArray(found));
-    report.line(tr("Already known: %1 in the factory list, %2 in the user list")
-                    .arg(known.factory)
-                    .arg(known.user));
-    if (camera.colorMode() == camera::ColorModeBayer8) {
-        report.line(tr("New hotpixels, more than %1 grey levels above the mean of their plane: %2")
-                        .arg(settings.threshold)
-                        .arg(found.size()));
+    const QString plane = isBayer ? tr(" of their plane") : QString();
+    const QString limit = rule.sigma ? tr("%1 robust deviations above the median").arg(*rule.sigma)
+                                     : tr("%1 grey levels above the mean").arg(rule.threshold);
+    report.line(
+        tr("New hotpixels, more than %1%2: %3").arg(limit, plane, QString::number(found.size())));
+    if (isBayer) {
         report.line(cli::planeText(found));
         report.insert("planes", cli::planeArray(found));
-    } else {
-        report.line(tr("New hotpixels, more than %1 grey levels above the mean: %2")
-                        .arg(settings.threshold)
-                        .arg(found.size()));
     }
     // They stand in the file or in the camera otherwise.
     if (!settings.save && !settings.write && !found.empty()) {
         report.line(cli::entryColumns(found));
     }
+    for (const QString& file : {settings.csvFile, settings.reportFile}) {
+        if (!file.isEmpty()) {
+            report.line(tr("Saved to %1").arg(file));
+        }
+    }
+}
+
+void DetectCommand::saveList(const Settings& settings, std::span<const BadpixelEntry> entries,
+                             std::size_t count, Report& report)
+{
+    if (!settings.save) {
+        return;
+    }
+    cli::saveOutputFile(settings.fileName, entries);
+    report.insert("saved", settings.fileName);
+    report.line(tr("Saved to %1: %2").arg(settings.fileName, cli::entryCount(count)));
 }
 
 } // namespace
@@ -292,13 +430,14 @@ namespace cli::commands {
 Command detect()
 {
     return {.name = QStringLiteral("detect"),
-            .arguments = {QStringLiteral("CAMERA")},
-            .summary = DetectCommand::tr("Find the hotpixels of a camera in dark frames."),
+            .arguments = {cli::frameArgument()},
+            .summary = DetectCommand::tr("Find hotpixels in dark frames."),
             .description = DetectCommand::tr(
                 "Takes ten images with CAMERA (a Dev number or a serial number), whose sensor\n"
-                "has to be covered, and finds the pixels that are brighter than the mean in all\n"
-                "of them together. On a Bayer sensor each of the four planes has a mean of its\n"
-                "own. What the camera's lists hold already is not reported again.\n\n"
+                "has to be covered, or all frames from files, and finds the pixels that are\n"
+                "brighter than the mean in all of them together. On a Bayer sensor each of the\n"
+                "four planes has a mean of its own. What the camera's lists hold already is not\n"
+                "reported again.\n\n"
                 "A scene that is not dark, and more hotpixels than the camera can store, end\n"
                 "the detection with status 1 and change nothing."),
             .options = DetectCommand::options,

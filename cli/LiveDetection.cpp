@@ -43,11 +43,28 @@ LiveDetection::Result LiveDetection::run(bool clear, int threshold, int skippedF
 {
     DetectionRun run(m_list);
     run.start(clear, threshold);
-    const Result taken = takeFrames(run, skippedFrames);
-    return taken.outcome == Outcome::Found ? evaluate(run) : taken;
+    const Result taken = take(run, skippedFrames);
+    if (taken.outcome != Outcome::Found) {
+        return taken;
+    }
+    m_frameWatch(run.frames());
+    return evaluate(run);
 }
 
-LiveDetection::Result LiveDetection::takeFrames(DetectionRun& run, int skippedFrames)
+LiveDetection::Result LiveDetection::takeFrames(QVector<QImage>& frames, int skippedFrames)
+{
+    DetectionRun run(m_list);
+    constexpr int NoThreshold = 0;
+    run.start(false, NoThreshold);
+    const Result taken = take(run, skippedFrames);
+    if (taken.outcome == Outcome::Found) {
+        frames = run.frames();
+        m_frameWatch(frames);
+    }
+    return taken;
+}
+
+LiveDetection::Result LiveDetection::take(DetectionRun& run, int skippedFrames)
 {
     if (m_context.interruption.requested()) {
         return {Outcome::Interrupted, tr("Interrupted.")};

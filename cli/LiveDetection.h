@@ -2,9 +2,13 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QImage>
 #include <QString>
+#include <QVector>
 
 #include <chrono>
+#include <functional>
+#include <utility>
 
 class BadpixelListModel;
 class CameraSession;
@@ -41,6 +45,15 @@ public:
     /// frames in any case.
     void setLeastPatience(std::chrono::milliseconds patience) { m_leastPatience = patience; }
 
+    /// Gets the ten frames when they are complete, before they are evaluated.
+    using FrameWatch = std::function<void(const QVector<QImage>&)>;
+    void setFrameWatch(FrameWatch watch) { m_frameWatch = std::move(watch); }
+
+    /// Only takes the frames, for who evaluates them; runs the event loop meanwhile. The outcome is
+    /// Found when they are complete.
+    /// @param frames gets copies of them
+    Result takeFrames(QVector<QImage>& frames, int skippedFrames);
+
     /// Takes the frames and finds the hotpixels; runs the event loop meanwhile.
     /// @param clear removes the list's user entries first
     /// @param threshold in grey levels above the mean
@@ -48,11 +61,12 @@ public:
     Result run(bool clear, int threshold, int skippedFrames);
 
 private:
-    Result takeFrames(class DetectionRun& run, int skippedFrames);
+    Result take(class DetectionRun& run, int skippedFrames);
     Result evaluate(class DetectionRun& run);
 
     CameraSession& m_session;
     BadpixelListModel& m_list;
     CommandContext& m_context;
+    FrameWatch m_frameWatch = [](const QVector<QImage>&) {};
     std::chrono::milliseconds m_leastPatience{10'000};
 };

@@ -1,8 +1,13 @@
 # SPDX-License-Identifier: MIT
 # The readers of frames that need a library of their own. Where it is missing the build goes on, and
 # the program says of what it was made without.
-option(VORN_WITH_FITS "Read FITS files, with CFITSIO and zlib where they are installed" ON)
-option(VORN_WITH_RAW "Read camera raw files, with LibRaw where it is installed" ON)
+# What is installed here is of no use to a program for another system.
+set(default_with ON)
+if(CMAKE_CROSSCOMPILING)
+  set(default_with OFF)
+endif()
+option(VORN_WITH_FITS "Read FITS files, with CFITSIO and zlib where they are installed" ${default_with})
+option(VORN_WITH_RAW "Read camera raw files, with LibRaw where it is installed" ${default_with})
 
 if(VORN_WITH_FITS)
   find_path(CFITSIO_INCLUDE_DIR fitsio.h PATH_SUFFIXES cfitsio)

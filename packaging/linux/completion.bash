@@ -20,6 +20,8 @@ _vorn_hotpixel() {
     kind=options
   elif [[ -z $kind && ${#words[@]} = 0 ]]; then
     kind=commands
+  elif [[ -z $kind && " ${COMP_WORDS[*]} " = *" --frames "* ]]; then
+    kind=FRAMES
   elif [[ -z $kind ]]; then
     # "Usage: PROGRAM COMMAND CAMERA FILE [options]"
     kind=$(sed -nE 's/^Usage: [^ ]+ [^ ]+ //p' <<<"$help" | cut -d ' ' -f "${#words[@]}")
@@ -32,7 +34,7 @@ _vorn_hotpixel() {
     commands)
       mapfile -t COMPREPLY < <(compgen -W \
         "$(sed -nE '/^Commands.*:$/,/^$/s/^  ([a-z][a-z-]*).*/\1/p' <<<"$help")" -- "$word") ;;
-    CAMERA)
+    CAMERA | "CAMERA|"*)
       mapfile -t COMPREPLY < <(compgen -W \
         "$("$program" cameras --json 2>/dev/null | grep -oE '"serNo":"[^"]*"' | cut -d '"' -f 4)" \
         -- "$word") ;;

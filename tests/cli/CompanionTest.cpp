@@ -2,6 +2,7 @@
 #include "cli/Companion.h"
 
 #include "cli/Interruption.h"
+#include "darkframes/FrameFile.h"
 #include "tests/cli/EepromSdk.h"
 #include "tests/cli/RecordedConsole.h"
 
@@ -41,7 +42,7 @@ protected:
 
 TEST_F(CompanionUse, IsExplainedByHelpOfEachCommandWithoutAnyCamera)
 {
-    for (const char* command : {"", "cameras", "read", "detect", "write"}) {
+    for (const char* command : {"", "cameras", "read", "survey", "detect", "write"}) {
         for (const char* option : {"--help", "-h"}) {
             EXPECT_EQ(run(words(command) + words(option)), Companion::Succeeded) << command;
             const QByteArray text = m_recorded.out();
@@ -56,7 +57,7 @@ TEST_F(CompanionUse, IsExplainedByHelpOfEachCommandWithoutAnyCamera)
 
 TEST_F(CompanionUse, FitsItsHelpIntoALineOf79Characters)
 {
-    for (const char* command : {"", "cameras", "read", "detect", "write"}) {
+    for (const char* command : {"", "cameras", "read", "survey", "detect", "write"}) {
         run(words(command) + words("--help"));
     }
     for (const QByteArray& line : m_recorded.out().split('\n')) {
@@ -67,24 +68,32 @@ TEST_F(CompanionUse, FitsItsHelpIntoALineOf79Characters)
 TEST_F(CompanionUse, NamesCommandsAndOptionsInItsHelp)
 {
     run(words("--help"));
-    for (const char* command : {"cameras", "read CAMERA", "detect CAMERA", "write CAMERA FILE"}) {
+    for (const char* command : {"cameras", "read CAMERA", "survey CAMERA|--frames PATH...",
+                                "detect CAMERA|--frames PATH...", "write CAMERA FILE"}) {
         EXPECT_TRUE(m_recorded.out().contains(command)) << command;
     }
     run(words("detect --help"));
     for (const char* option :
-         {"--threshold <N>", "--clear", "--auto", "--out <FILE>", "--write", "--yes", "--cover"}) {
+         {"--frames", "--bayer", "--mono", "--threshold <N>", "--sigma <K>", "--flickering",
+          "--like-editor", "--clear", "--auto", "--out <FILE>", "--csv <FILE>", "--report <FILE>",
+          "--save-frames <DIR>", "--write", "--yes", "--cover"}) {
         EXPECT_TRUE(m_recorded.out().contains(option)) << option;
     }
 }
 
-TEST_F(CompanionUse, TellsItsVersion)
+TEST_F(CompanionUse, TellsItsVersionAndWhatItReads)
 {
     const QString before = QCoreApplication::applicationVersion();
     QCoreApplication::setApplicationVersion(QStringLiteral("4.5.6"));
     EXPECT_EQ(run(words("--version")), Companion::Succeeded);
     EXPECT_EQ(run(words("read --version")), Companion::Succeeded);
     QCoreApplication::setApplicationVersion(before);
-    EXPECT_EQ(m_recorded.out(), QByteArray("vorn-hotpixel 4.5.6\nvorn-hotpixel 4.5.6\n"));
+    QByteArray expected = "vorn-hotpixel 4.5.6\n";
+    for (const QString& reader : darkframes::readerLines()) {
+        expected += "reads " + reader.toUtf8() + '\n';
+    }
+    EXPECT_EQ(expected.count('\n'), 4);
+    EXPECT_EQ(m_recorded.out(), expected.repeated(2));
 }
 
 TEST_F(CompanionUse, EndsWithStatus2AndOneLineWhenItIsWrong)
@@ -120,6 +129,40 @@ TEST_F(CompanionUse, EndsWithStatus2AndOneLineWhenItIsWrong)
                                      "See \"vorn-hotpixel detect --help\"."},
         {"detect 1 --threshold 5.5", "The threshold has to be a number from 5 to 255, not \"5.5\". "
                                      "See \"vorn-hotpixel detect --help\"."},
+        {"detect", "CAMERA|--frames PATH is missing. See \"vorn-hotpixel detect --help\"."},
+        {"detect --frames",
+         "CAMERA|--frames PATH is missing. See \"vorn-hotpixel detect --help\"."},
+        {"detect 1 2", "\"2\" is too much. See \"vorn-hotpixel detect --help\"."},
+        {"survey 1 2", "\"2\" is too much. See \"vorn-hotpixel survey --help\"."},
+        {"detect 1 --mono", "A camera says itself what sensor it has: --bayer and --mono are for "
+                            "--frames. See \"vorn-hotpixel detect --help\"."},
+        {"detect --frames f --mono --bayer", "--bayer and --mono contradict each other. See "
+                                             "\"vorn-hotpixel detect --help\"."},
+        {"detect --frames f --threshold 65281",
+         "The threshold has to be a number from 5 to 65280, not \"65281\". See \"vorn-hotpixel "
+         "detect --help\"."},
+        {"detect 1 --threshold 40 --sigma 5", "--threshold and --sigma contradict each other. See "
+                                              "\"vorn-hotpixel detect --help\"."},
+        {"detect 1 --sigma many", "The number of deviations has to be 0 or more, not \"many\". See "
+                                  "\"vorn-hotpixel detect --help\"."},
+        {"detect 1 --sigma -1", "The number of deviations has to be 0 or more, not \"-1\". See "
+                                "\"vorn-hotpixel detect --help\"."},
+        {"detect --frames f --write --yes",
+         "--clear, --auto and --write are for a camera, and --frames takes none. See "
+         "\"vorn-hotpixel detect --help\"."},
+        {"detect 1 --like-editor --sigma 5",
+         "The editor knows no --sigma and no --flickering: --like-editor goes without. See "
+         "\"vorn-hotpixel detect --help\"."},
+        {"detect 1 --like-editor --csv f",
+         "--csv and --report show pixels of the sensor, and --like-editor finds others, too. See "
+         "\"vorn-hotpixel detect --help\"."},
+        {"detect 1 --save-frames=",
+         "The name of the folder for the frames is empty. See \"vorn-hotpixel detect --help\"."},
+        {"survey 1 --capacity 5", "A camera says itself how many entries it can hold: --capacity "
+                                  "is for --frames. See \"vorn-hotpixel survey --help\"."},
+        {"survey --frames f --capacity x",
+         "The capacity has to be a number from 0 to 65535, not \"x\". See \"vorn-hotpixel survey "
+         "--help\"."},
     };
     QByteArray expected;
     for (const auto& [arguments, message] : cases) {

@@ -170,97 +170,125 @@ private:
 
 } // namespace
 
-// On a sensor of even width, the detector visits width / 2 + 1 positions on each line of a plane of
-// even columns, the last of them at x = width, where it sees the first pixel of the next line. As
-// it takes as many steps as the plane has pixels, it ends before the plane does. Planes of odd
-// columns are not affected.
-TEST(DetectCommand, FindsTheHotPixelsOfTheFiveMegapixelSensorAndNoOther)
+namespace {
+
+/// What a detection of the built-in five megapixel sensor found, and what its frames say.
+struct FiveMegapixels
 {
-    constexpr int Threshold = 40;
-    const std::vector<CameraDescription> cameras = simulator::builtInBus().cameras;
-    const auto fiveMegapixels = std::ranges::find_if(
-        cameras, [](const auto& camera) { return camera.width == 2592 && camera.height == 1944; });
-    ASSERT_NE(fiveMegapixels, cameras.end());
-    ASSERT_TRUE(fiveMegapixels->bayer);
-    const int width = fiveMegapixels->width;
-    const int height = fiveMegapixels->height;
+    static constexpr int Threshold = 40;
 
-    DetectingCompanion companion(*fiveMegapixels, 4);
-    const Positions factory =
-        positionsOf(companion.run({QStringLiteral("read"), QStringLiteral("2")})
-                        .value(QStringLiteral("factory")));
-    ASSERT_FALSE(factory.empty());
-
+    int width = 0;
+    int height = 0;
+    Positions factory;
     std::vector<ObservedSdk::Frame> frames;
     std::vector<KnownHotPixel> known;
-    const QJsonObject result = companion.run({QStringLiteral("detect"), QStringLiteral("2"),
-                                              QStringLiteral("--auto"), QStringLiteral("--clear")},
-                                             [&](ObservedSdk& sdk) {
-                                                 sdk.onFrame = [&] {
-                                                     frames.push_back(std::move(sdk.frames.back()));
-                                                     known = sdk.knownHotPixels;
-                                                 };
-                                             });
-    ASSERT_EQ(companion.status, Companion::Succeeded) << companion.errors.constData();
-    ASSERT_GE(frames.size(), SkippedFrames + UsedFrames + 1);
-    const Positions found = positionsOf(result[QStringLiteral("pixels")]);
-    const TenFrameMean mean(frames, width, height, Threshold);
+    QJsonObject result;
 
-    // What stands above the limit of its plane is a hot pixel, and nothing else.
-    Positions hot;
-    for (const KnownHotPixel& pixel : known) {
-        hot.insert({pixel.x, pixel.y});
+    explicit FiveMegapixels(const QStringList& options)
+    {
+        const std::vector<CameraDescription> cameras = simulator::builtInBus().cameras;
+        const auto camera = std::ranges::find_if(
+            cameras, [](const auto& each) { return each.width == 2592 && each.height == 1944; });
+        EXPECT_NE(camera, cameras.end());
+        EXPECT_TRUE(camera->bayer);
+        width = camera->width;
+        height = camera->height;
+
+        DetectingCompanion companion(*camera, 4);
+        factory = positionsOf(companion.run({QStringLiteral("read"), QStringLiteral("2")})
+                                  .value(QStringLiteral("factory")));
+        EXPECT_FALSE(factory.empty());
+        result = companion.run(QStringList{QStringLiteral("detect"), QStringLiteral("2"),
+                                           QStringLiteral("--auto"), QStringLiteral("--clear")} +
+                                   options,
+                               [this](ObservedSdk& sdk) {
+                                   sdk.onFrame = [this, &sdk] {
+                                       frames.push_back(std::move(sdk.frames.back()));
+                                       known = sdk.knownHotPixels;
+                                   };
+                               });
+        EXPECT_EQ(companion.status, Companion::Succeeded) << companion.errors.constData();
+        EXPECT_GE(frames.size(), SkippedFrames + UsedFrames + 1);
     }
-    Positions above;
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            if (mean.at({x, y}) > mean.limitAt({x, y})) {
-                above.insert({x, y});
-                EXPECT_TRUE(hot.contains({x, y})) << x << ", " << y;
+
+    /// The pixels whose mean is above the limit of their plane. They are all hot pixels, and which
+    /// of the hot pixels they are the simulated means say as well, but where noise and truncation
+    /// can tip the scales.
+    [[nodiscard]] Positions above(const TenFrameMean& mean) const
+    {
+        Positions hot;
+        for (const KnownHotPixel& pixel : known) {
+            hot.insert({pixel.x, pixel.y});
+        }
+        Positions above;
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                if (mean.at({x, y}) > mean.limitAt({x, y})) {
+                    above.insert({x, y});
+                    EXPECT_TRUE(hot.contains({x, y})) << x << ", " << y;
+                }
             }
         }
-    }
-    // The simulated mean decides the same, but where noise and truncation can tip the scales.
-    constexpr double Doubt = 4.0;
-    int doubtful = 0;
-    for (const KnownHotPixel& pixel : known) {
-        const Position position{pixel.x, pixel.y};
-        const double over = pixel.meanDn - mean.limitAt(position);
-        if (std::abs(over) <= Doubt) {
-            ++doubtful;
-        } else {
-            EXPECT_EQ(above.contains(position), over > 0) << pixel.x << ", " << pixel.y;
+        constexpr double Doubt = 4.0;
+        int doubtful = 0;
+        for (const KnownHotPixel& pixel : known) {
+            const Position position{pixel.x, pixel.y};
+            const double over = pixel.meanDn - mean.limitAt(position);
+            if (std::abs(over) <= Doubt) {
+                ++doubtful;
+            } else {
+                EXPECT_EQ(above.contains(position), over > 0) << pixel.x << ", " << pixel.y;
+            }
         }
+        EXPECT_LT(doubtful, 10);
+        return above;
     }
+};
 
+} // namespace
+
+TEST(DetectCommand, FindsTheHotPixelsOfTheFiveMegapixelSensorAndNoOther)
+{
+    const FiveMegapixels sensor({});
+    const TenFrameMean mean(sensor.frames, sensor.width, sensor.height, sensor.Threshold);
     Positions expected;
-    int leftOut = 0;
-    const int steps = width / 2 * (height / 2);
-    const int stepsPerLine = width / 2 + 1;
-    for (const Position& position : above) {
-        const auto [x, y] = position;
-        const bool behindTheEnd = x % 2 == 0 && y / 2 * stepsPerLine + x / 2 >= steps;
-        leftOut += behindTheEnd ? 1 : 0;
-        if (!behindTheEnd && !factory.contains(position)) {
+    for (const Position& position : sensor.above(mean)) {
+        if (!sensor.factory.contains(position)) {
             expected.insert(position);
         }
     }
-    int added = 0;
+    EXPECT_EQ(positionsOf(sensor.result[QStringLiteral("pixels")]), expected);
+    EXPECT_GT(expected.size(), 50U);
+}
+
+// On a sensor of even width, the editor's detector visits width / 2 + 1 positions on each line of a
+// plane of even columns, the last of them at x = width, where it sees the first pixel of the next
+// line. As it takes as many steps as the plane has pixels, it ends before the plane does. Planes of
+// odd columns are not affected.
+TEST(DetectCommand, FindsLikeTheEditorWhatItsWalkSees)
+{
+    const FiveMegapixels sensor({QStringLiteral("--like-editor")});
+    const int width = sensor.width;
+    const int height = sensor.height;
+    const TenFrameMean mean(sensor.frames, width, height, sensor.Threshold);
+    Positions expected;
+    const int steps = width / 2 * (height / 2);
+    const int stepsPerLine = width / 2 + 1;
+    for (const Position& position : sensor.above(mean)) {
+        const auto [x, y] = position;
+        const bool behindTheEnd = x % 2 == 0 && y / 2 * stepsPerLine + x / 2 >= steps;
+        if (!behindTheEnd && !sensor.factory.contains(position)) {
+            expected.insert(position);
+        }
+    }
     for (int y = 0; y + 1 < height; ++y) {
         const bool visited = y / 2 * stepsPerLine + width / 2 < steps;
         if (visited && mean.at({0, y + 1}) > mean.limitAt({0, y})) {
             expected.insert({width, y});
-            ++added;
         }
     }
-    EXPECT_EQ(found, expected);
-    EXPECT_GT(found.size(), 50U);
-    EXPECT_LT(doubtful, 10);
-    std::printf("%zu hot pixels, %zu above their limit (%d within %.0f of it), %zu of them in the "
-                "factory list; %zu found, %d of them at x = %d, where (0, y + 1) is seen; %d left "
-                "out at the end of a plane\n",
-                known.size(), above.size(), doubtful, Doubt, factory.size(), found.size(), added,
-                width, leftOut);
+    EXPECT_EQ(positionsOf(sensor.result[QStringLiteral("pixels")]), expected);
+    EXPECT_GT(expected.size(), 50U);
 }
 
 TEST(DetectCommand, UsesNoFrameFromBeforeTheSettingsAndOneToSeeTheEnd)
@@ -353,7 +381,7 @@ TEST(LiveDetection, DoesNotBeginWhenTheEndWasAskedForBefore)
               LiveDetection::Outcome::Interrupted);
 }
 
-TEST(LiveDetection, CountsUpTo5000HotpixelsThatACameraCantStore)
+TEST(DetectCommand, CountsHotpixelsThatACameraCantStoreLikeTheEditorUpTo5000)
 {
     // Every fourth pixel stands out, though none is bright enough to refuse the frame.
     const QTemporaryDir recordings;
@@ -371,12 +399,22 @@ TEST(LiveDetection, CountsUpTo5000HotpixelsThatACameraCantStore)
     camera.hotPixels = camera.factoryEntries = camera.userEntries = 0;
     DetectingCompanion companion(camera, 20);
 
-    const QJsonObject result = companion.run({QStringLiteral("detect"), QStringLiteral("1")});
+    const QJsonObject likeEditor = companion.run(
+        {QStringLiteral("detect"), QStringLiteral("1"), QStringLiteral("--like-editor")});
     EXPECT_EQ(companion.status, Companion::CommandFailed);
-    EXPECT_EQ(result[QStringLiteral("outcome")].toString(), QStringLiteral("too-many"));
-    EXPECT_EQ(result[QStringLiteral("foundWithoutLimit")].toInt(), 5000);
+    EXPECT_EQ(likeEditor[QStringLiteral("outcome")].toString(), QStringLiteral("too-many"));
+    EXPECT_EQ(likeEditor[QStringLiteral("foundWithoutLimit")].toInt(), 5000);
     EXPECT_TRUE(companion.errors.endsWith(
         "vorn-hotpixel: Can't add more than 128 hotpixel entries. The frames hold more than 5000 "
         "hotpixels; none was taken over.\n"))
+        << companion.errors.constData();
+
+    const QJsonObject exact = companion.run({QStringLiteral("detect"), QStringLiteral("1")});
+    EXPECT_EQ(companion.status, Companion::CommandFailed);
+    EXPECT_EQ(exact[QStringLiteral("outcome")].toString(), QStringLiteral("too-many"));
+    EXPECT_EQ(exact[QStringLiteral("foundWithoutLimit")].toInt(), 10000);
+    EXPECT_TRUE(companion.errors.endsWith(
+        "vorn-hotpixel: Can't add more than 128 hotpixel entries. The frames hold 10000 hotpixels; "
+        "none was taken over.\n"))
         << companion.errors.constData();
 }

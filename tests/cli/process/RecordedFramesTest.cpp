@@ -63,8 +63,8 @@ TEST_P(RecordedFramesOfAColourSensor, GiveTheListFilesThatAreKnownForThem)
         for (const QString& threshold : wrong) {
             processes.push_back(
                 bench.start({QStringLiteral("detect"), u'T' + threshold, QStringLiteral("--json"),
-                             QStringLiteral("--threshold"), threshold, QStringLiteral("--out"),
-                             bench.file(threshold)}));
+                             QStringLiteral("--like-editor"), QStringLiteral("--threshold"),
+                             threshold, QStringLiteral("--out"), bench.file(threshold)}));
         }
         QStringList stillWrong;
         for (std::size_t i = 0; i < processes.size(); ++i) {
@@ -83,6 +83,36 @@ TEST_P(RecordedFramesOfAColourSensor, GiveTheListFilesThatAreKnownForThem)
         wrong = stillWrong;
     }
     EXPECT_TRUE(wrong.isEmpty()) << qPrintable(wrong.join(u' '));
+}
+
+// From the files themselves there is nothing to lose.
+TEST_P(RecordedFramesOfAColourSensor, GiveTheSameListFilesWithoutACamera)
+{
+    QFile reference(Folder + QStringLiteral("/detection.json"));
+    if (!reference.open(QIODevice::ReadOnly)) {
+        GTEST_SKIP() << "the recorded frames are not here";
+    }
+    const QJsonObject thresholds = QJsonDocument::fromJson(reference.readAll())
+                                       .object()[QStringLiteral("modes")]
+                                       .toObject()[QString::number(GetParam())]
+                                       .toObject()[QStringLiteral("thresholds")]
+                                       .toObject();
+    ASSERT_EQ(thresholds.size(), 5);
+    const CompanionBench bench(QByteArray{});
+    for (const QString& threshold : thresholds.keys()) {
+        const QJsonObject expected = thresholds[threshold].toObject();
+        const auto process = bench.start(
+            {QStringLiteral("detect"), QStringLiteral("--frames"), QDir(Folder).absolutePath(),
+             GetParam() == 11 ? QStringLiteral("--bayer") : QStringLiteral("--mono"),
+             QStringLiteral("--like-editor"), QStringLiteral("--json"),
+             QStringLiteral("--threshold"), threshold, QStringLiteral("--out"),
+             bench.file(threshold)});
+        const Finished finished = CompanionBench::finish(*process);
+        EXPECT_EQ(finished.status, 0) << finished.err.constData();
+        EXPECT_EQ(finished.json()[QStringLiteral("found")], expected[QStringLiteral("unique")]);
+        EXPECT_EQ(hashOf(bench.file(threshold)),
+                  expected[QStringLiteral("sha256OfListFile")].toString().toLatin1());
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(BothColourModes, RecordedFramesOfAColourSensor, testing::Values(6, 11));

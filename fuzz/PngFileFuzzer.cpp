@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+#include "darkframes/ImageFileReader.h"
+#include "fuzz/FuzzedFrame.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    return fuzz::readFrame(darkframes::readPng, data, size);
+}
