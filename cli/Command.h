@@ -19,7 +19,7 @@ class QCommandLineParser;
 
 namespace cli {
 
-/// What ends a command with one line on standard error and status 1.
+/// What ends a command with one line on standard error and its status for failures.
 class CommandError : public std::runtime_error
 {
 public:
@@ -46,6 +46,7 @@ struct CommandContext
     Interruption& interruption;
     bool json;                ///< results for machines
     QString commandLine = {}; ///< how the program was called, to be repeated in a shell
+    int status = 0;           ///< what a command that has done its work lets the program end with
 };
 
 /// One sub-command of the companion.
@@ -70,4 +71,6 @@ struct Command
     /// the user when it fails.
     void (*run)(const QStringList& values, const QCommandLineParser& parser,
                 CommandContext& context);
+
+    int failedStatus = 1; ///< what the program ends with when the command fails
 };

@@ -30,6 +30,9 @@ namespace pixellists {
 /// What a bad pixel has unless told otherwise.
 constexpr std::uint8_t BadInMask = 255;
 
+/// No mask that is written has more.
+constexpr std::int64_t MostMaskBytes = std::int64_t{1} << 28;
+
 /// The bad pixels of @p mask, row by row.
 /// @param value only pixels that have it are bad
 /// @throws PixelListError for more than MostPixels of them
@@ -37,7 +40,7 @@ PixelList pixelsOfMask(const Mask& mask, std::optional<std::uint8_t> value = std
 
 /// The mask of @p pixels. Entries outside of @p size are left out.
 /// @param value what bad pixels have, not 0
-/// @throws PixelListError when @p size is empty
+/// @throws PixelListError when @p size is empty, or has more than MostMaskBytes
 MaskContent maskOf(std::span<const ListedPixel> pixels, const QSize& size,
                    std::uint8_t value = BadInMask);
 

@@ -51,6 +51,9 @@ MaskContent maskOf(std::span<const ListedPixel> pixels, const QSize& size, std::
     if (size.isEmpty()) {
         throw PixelListError(Text::tr("mask: this format needs the sensor's size (--size)."));
     }
+    if (qint64{size.width()} * size.height() > MostMaskBytes) {
+        throw PixelListError(Text::tr("mask: an image has %1 pixels at most.").arg(MostMaskBytes));
+    }
     MaskContent content;
     const PixelList inside = pixelsOnSensor(pixels, size, content.losses);
     countLosses(inside, formats::mask(), content.losses);

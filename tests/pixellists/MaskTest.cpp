@@ -51,6 +51,11 @@ TEST(Masks, NeedASize)
     EXPECT_THROW(pixellists::maskOf(pixelsAt({{1, 0}}), {}), PixelListError);
 }
 
+TEST(Masks, TakeNoMemoryForASizeThatNoSensorHas)
+{
+    EXPECT_THROW(pixellists::maskOf(pixelsAt({{1, 0}}), {65536, 65536}), PixelListError);
+}
+
 TEST(Masks, HaveASaneNumberOfBadPixels)
 {
     const Mask mask{{4000, 4001}, QByteArray(4000 * 4001, '\1')};
