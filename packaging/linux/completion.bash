@@ -14,7 +14,7 @@ _vorn_hotpixel() {
 
   if [[ $previous = --* ]]; then
     # The value of an option that takes one, such as "--out <FILE>".
-    kind=$(sed -nE "s/^  (-[a-z], )?$previous <([A-Z]+)>.*/\2/p" <<<"$help")
+    kind=$(sed -nE "s/^  (-[a-z], )?$previous <([^>]+)>.*/\2/p" <<<"$help")
   fi
   if [[ -z $kind && $word = -* ]]; then
     kind=options
@@ -24,7 +24,13 @@ _vorn_hotpixel() {
     kind=FRAMES
   elif [[ -z $kind ]]; then
     # "Usage: PROGRAM COMMAND CAMERA FILE [options]"
-    kind=$(sed -nE 's/^Usage: [^ ]+ [^ ]+ //p' <<<"$help" | cut -d ' ' -f "${#words[@]}")
+    kind=$(sed -nE 's/^Usage: [^ ]+ [^ ]+ (.*) \[options\]$/\1/p' <<<"$help")
+    # The last argument may be there any number of times: "Usage: PROGRAM COMMAND LIST LIST... [options]"
+    if [[ $kind = *... && ${#words[@]} -gt $(wc -w <<<"$kind") ]]; then
+      kind=${kind##* }
+    else
+      kind=$(cut -d ' ' -f "${#words[@]}" <<<"$kind")
+    fi
   fi
 
   case $kind in
@@ -38,7 +44,11 @@ _vorn_hotpixel() {
       mapfile -t COMPREPLY < <(compgen -W \
         "$("$program" cameras --json 2>/dev/null | grep -oE '"serNo":"[^"]*"' | cut -d '"' -f 4)" \
         -- "$word") ;;
-    *FILE* | *FRAME* | *FOLDER* | *LIST* | *DIR*)
+    FORMAT)
+      mapfile -t COMPREPLY < <(compgen -W \
+        "$("$program" convert --help 2>/dev/null |
+          sed -nE '/^Formats:$/,/^$/s/^  ([a-z][a-z0-9]*) .*/\1/p')" -- "$word") ;;
+    IN | OUT | *FILE* | *FRAME* | *FOLDER* | *LIST* | *DIR*)
       compopt -o filenames 2>/dev/null
       mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
   esac
