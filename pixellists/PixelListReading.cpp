@@ -55,7 +55,7 @@ bool PixelListInput::nextLine(std::string_view& line)
         if (m_lineNumber == 1 && line.starts_with(ByteOrderMark)) {
             line.remove_prefix(std::string_view(ByteOrderMark).size());
         }
-        if (!m_tooLong && line.size() <= m_longestLine) {
+        if (line.size() <= m_longestLine) {
             return true;
         }
         refuse(Text::tr("a line of at most %1 bytes").arg(m_longestLine));
@@ -75,9 +75,8 @@ bool PixelListInput::readLine()
     }
     ++m_lineNumber;
     const auto hasEnd = [&] { return length > 0 && m_line[length - 1] == '\n'; };
-    m_tooLong = length == Most && !hasEnd();
-    if (m_tooLong) {
-        // Of the rest nothing is kept, however long it is.
+    if (length == Most && !hasEnd()) {
+        // What there is of it is too long already, so nothing is kept of the rest.
         QByteArray skipped(Most + 1, Qt::Uninitialized);
         for (qint64 size = Most; size == Most && skipped[size - 1] != '\n';) {
             size = m_device.readLine(skipped.data(), skipped.size());

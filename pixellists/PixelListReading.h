@@ -111,5 +111,4 @@ private:
     std::uint64_t m_lineNumber = 0;
     std::uint64_t m_outside = 0;
     QByteArray m_line;
-    bool m_tooLong = false;
 };
