@@ -147,10 +147,15 @@ private:
             m_values.insert(name, value);
         } else if (isFactor(name)) {
             bool isNumber = false;
-            (void)QByteArray(value).replace('D', 'E').toDouble(&isNumber);
+            const double factor = QByteArray(value).replace('D', 'E').toDouble(&isNumber);
             if (!isNumber) {
                 refuse(m_fileName, translated("damaged (%1 is no number)").arg(textOf(name)));
             }
+            if (name.startsWith("ZVAL") && !(factor >= 1)) {
+                m_smallParameter = name;
+            }
+        } else if (name == "ZCMPTYPE") {
+            m_isRice = m_isRice || value.toUpper().startsWith("'RICE");
         }
     }
 
@@ -191,6 +196,11 @@ private:
             refuse(m_fileName, translated("damaged (%1 is out of range)").arg(textOf("ZTILE1")));
         }
         (void)number("ZDITHER0", 1, MostDitherSeed, 1);
+        // The parameters of this compression are sizes, which CFITSIO divides by.
+        if (m_isRice && !m_smallParameter.isEmpty()) {
+            refuse(m_fileName,
+                   translated("damaged (%1 is out of range)").arg(textOf(m_smallParameter)));
+        }
     }
 
     qint64 axis(const char* name, qint64 index, qint64 least) const
@@ -229,6 +239,8 @@ private:
     QHash<QByteArray, QByteArray> m_values; ///< of the measures
     bool m_isTable = false;
     bool m_isCompressed = false;
+    bool m_isRice = false;
+    QByteArray m_smallParameter; ///< the name of one below 1, or empty
 };
 
 } // namespace

@@ -160,6 +160,8 @@ TEST_F(FitsReader, RefusesHeadersThatCfitsioWouldBelieve)
               "FILE: damaged (ZTILE1 is out of range)");
     EXPECT_EQ(errorWith("ZVAL1   =", "ZVAL1   = 12345678901234567890x1234567890123456789012345"),
               "FILE: damaged (ZVAL1 is no number)");
+    EXPECT_EQ(errorWith("ZVAL1   =", "ZVAL1   =                    0"),
+              "FILE: damaged (ZVAL1 is out of range)");
     EXPECT_EQ(errorWith("ZNAXIS1 =", "ZNAXIS1 =                 16.5"),
               "FILE: damaged (ZNAXIS1 is no number)");
     EXPECT_EQ(errorWith("TFIELDS =", "TFIELDS =           2000000000"),
