@@ -2,7 +2,7 @@
 // The examples in docs/companion.md, run as they stand there.
 
 #include "tests/cli/process/CompanionBench.h"
-#include "tests/support/SharedData.h"
+#include "tests/harness/SharedData.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/cli/process/CompanionBench.h"
-#include "tests/support/SharedData.h"
+#include "tests/harness/SharedData.h"
 
 #include <QCryptographicHash>
 #include <QDir>
