@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/MainWindow.h"
-#include "tests/app/ScriptedSdk.h"
+#include "tests/sdk/ScriptedSdk.h"
 
 #include <QAction>
 #include <QDockWidget>

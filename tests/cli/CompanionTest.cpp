@@ -3,8 +3,8 @@
 
 #include "cli/Interruption.h"
 #include "darkframes/FrameFile.h"
-#include "tests/cli/EepromSdk.h"
 #include "tests/cli/RecordedConsole.h"
+#include "tests/sdk/EepromSdk.h"
 
 #include <QCommandLineParser>
 #include <gtest/gtest.h>

@@ -4,8 +4,8 @@
 #include "cli/Companion.h"
 #include "cli/Interruption.h"
 #include "simulator/SimulatedCameraSdk.h"
-#include "tests/cli/EepromSdk.h"
 #include "tests/cli/RecordedConsole.h"
+#include "tests/sdk/EepromSdk.h"
 
 #include <QDir>
 #include <QFile>

@@ -3,61 +3,77 @@
 
 #include "camera/CameraSdk.h"
 
-#include <QByteArray>
-#include <QHash>
-#include <QList>
-#include <QMutex>
-#include <QPoint>
-#include <QString>
-#include <QStringList>
-
 #include <functional>
-#include <memory>
-#include <utility>
+#include <string_view>
+#include <type_traits>
+#include <variant>
 #include <vector>
 
-/// Cameras for tests of the window: they do nothing by themselves, so a frame or an event comes
-/// exactly when a test sends it, and what the window asked for can be read afterwards.
-class ScriptedSdk final : public CameraSdk
+/// The operations of CameraSdk, in the order of their ordinals.
+enum class SdkOperation {
+    StopLiveVideo,
+    StartLiveVideo,
+    SetColorMode,
+    GetError,
+    AllocImageMemory,
+    FreeImageMemory,
+    InitEvent,
+    ExitEvent,
+    EnableEvent,
+    DisableEvent,
+    AddToSequence,
+    ClearSequence,
+    GetFrameMemory,
+    SetPixelClock,
+    GetSensorInfo,
+    SetHardwareGain,
+    GetFramesPerSecond,
+    SetFrameRate,
+    SetExposureTime,
+    InitCamera,
+    ExitCamera,
+    GetNumberOfCameras,
+    GetFrameTimeRange,
+    GetExposureRange,
+    GetPixelClockRange,
+    LoadParameters,
+    GetCameraList,
+    GetFirmwareUploadTime,
+    HotpixelCommand
+};
+
+inline constexpr std::size_t SdkOperationCount = 29;
+
+/// The operation's name in CameraSdk.
+std::string_view name(SdkOperation operation);
+
+/// Whether the operation brings results back through pointers.
+bool hasOutParameters(SdkOperation operation);
+
+/// What an operation is called with: a number, the name of a file, image memory, or where to put a
+/// result. Windows, event objects and the buffers of hotpixelCommand are plain pointers.
+using SdkArgument =
+    std::variant<std::int32_t, CameraSdk::Handle, double, const char*, char*, void*, std::int32_t*,
+                 CameraSdk::Handle*, double*, char**, SensorInfo*, CameraList*>;
+
+/// One call on its way to the SDK behind. It lives as long as the call.
+struct SdkCall
+{
+    SdkOperation operation;
+    std::vector<SdkArgument> arguments;           ///< all of them, in the operation's order
+    const std::function<std::int32_t()>& forward; ///< makes the call; its result
+};
+
+/// Passes every call on to another SDK, which has to outlive it. What derives from it sees all
+/// calls in one place, through(), or overrides the one operation that it is about.
+///
+/// Any thread, as far as the SDK behind allows it.
+class ForwardingCameraSdk : public CameraSdk
 {
 public:
-    struct Device
-    {
-        std::uint32_t devId = 0;
-        std::uint32_t status = 0; ///< as other programs hold it; opening it here adds 1
-        QByteArray serNo = "4002714001";
-        QByteArray model = "VX-1300";
-        QList<QPoint> factory = {};
-        QList<QPoint> user = {};
-        int maxUserEntries = 100;
-        int firmwareUploadMsec = 0; ///< refuses the first opening when it is not 0
-        QString openFailure = {};   ///< the operation that fails with code 7
-    };
-
-    static constexpr int Width = 128;
-    static constexpr int Height = 96;
-
-    explicit ScriptedSdk(std::vector<Device> devices);
-
-    /// Lets the open camera deliver a frame of Width × Height bytes.
-    void sendFrame(const QByteArray& bytes);
-
-    /// Signals an SDK event; a device event (129, 130) is not bound to a camera.
-    void sendEvent(std::int32_t eventId);
-
-    /// The operations that were called since the last takeCalls(), with the arguments that matter,
-    /// without the queries that the camera list makes every second.
-    [[nodiscard]] QStringList takeCalls();
-
-    [[nodiscard]] int framesFetched() const { return m_framesFetched; }
-    [[nodiscard]] bool isOpen() const { return m_open != nullptr; }
-
-    std::vector<Device> devices;
-    std::int32_t colorMode = camera::ColorModeBayer8;
-    double framesPerSecond = 1.5;
-    bool failEveryWrite = false;
-    int startsUntilFailure = -1;    ///< live captures that start before one fails; -1 for all
-    std::function<void()> onUpload; ///< called by the opening that uploads the firmware
+    explicit ForwardingCameraSdk(CameraSdk& sdk)
+        : m_sdk(sdk)
+    {}
 
     std::int32_t stopLiveVideo(Handle handle, std::int32_t waitMode) override;
     std::int32_t startLiveVideo(Handle handle, std::int32_t waitMode) override;
@@ -79,8 +95,8 @@ public:
     std::int32_t getSensorInfo(Handle handle, SensorInfo* info) override;
     std::int32_t setHardwareGain(Handle handle, std::int32_t master, std::int32_t red,
                                  std::int32_t green, std::int32_t blue) override;
-    std::int32_t getFramesPerSecond(Handle handle, double* rate) override;
-    std::int32_t setFrameRate(Handle handle, double rate, double* actual) override;
+    std::int32_t getFramesPerSecond(Handle handle, double* framesPerSecond) override;
+    std::int32_t setFrameRate(Handle handle, double framesPerSecond, double* actual) override;
     std::int32_t setExposureTime(Handle handle, double milliseconds, double* actual) override;
     std::int32_t initCamera(Handle* handle, void* window) override;
     std::int32_t exitCamera(Handle handle) override;
@@ -98,20 +114,15 @@ public:
     std::int32_t hotpixelCommand(Handle handle, std::int32_t command, void* buffer,
                                  std::int32_t size) override;
 
-private:
-    [[nodiscard]] std::int32_t record(const QString& operation, const QString& arguments = {});
+protected:
+    /// Every call comes through here. @return what the caller gets; unless overridden, what the SDK
+    /// behind answers.
+    virtual std::int32_t through(const SdkCall& call) { return call.forward(); }
 
-    QMutex m_mutex; // event threads end with disableEvent and exitEvent
-    QStringList m_calls;
-    QHash<std::int32_t, EventHandle> m_events;
-    QList<char*> m_sequence;
-    QHash<char*, std::shared_ptr<QByteArray>> m_memory;
-    QByteArray m_errorText;
-    Device* m_open = nullptr;
-    char* m_latest = nullptr;
-    Handle m_handle = 0;
-    int m_framesFetched = 0;
-    std::int32_t m_pixelClock = 20;
-    std::int32_t m_gain = 0;
-    double m_exposure = 26.0;
+private:
+    template <typename... Parameters>
+    std::int32_t pass(SdkOperation operation, std::int32_t (CameraSdk::*function)(Parameters...),
+                      std::type_identity_t<Parameters>... arguments);
+
+    CameraSdk& m_sdk;
 };

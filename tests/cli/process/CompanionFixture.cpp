@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/cli/process/CompanionBench.h"
+#include "tests/cli/process/CompanionFixture.h"
 
 #include "simulator/EepromFile.h"
 
@@ -24,7 +24,7 @@ QJsonObject Finished::json() const
     return document.object();
 }
 
-CompanionBench::CompanionBench(const QByteArray& cameras)
+CompanionFixture::CompanionFixture(const QByteArray& cameras)
 {
     EXPECT_FALSE(write(QStringLiteral("cameras.ini"), cameras).isEmpty());
     setVariable(QStringLiteral("HOME"), m_home.path());
@@ -34,12 +34,17 @@ CompanionBench::CompanionBench(const QByteArray& cameras)
     setVariable(QStringLiteral("VORN_SIMULATED_EEPROMS"), file(QStringLiteral("eeprom")));
 }
 
-void CompanionBench::setVariable(const QString& name, const QString& value)
+QString CompanionFixture::program()
+{
+    return QStringLiteral(VORN_COMPANION);
+}
+
+void CompanionFixture::setVariable(const QString& name, const QString& value)
 {
     m_environment.insert(name, value);
 }
 
-QString CompanionBench::write(const QString& name, const QByteArray& content) const
+QString CompanionFixture::write(const QString& name, const QByteArray& content) const
 {
     QFile target(file(name));
     if (!target.open(QIODevice::WriteOnly) || target.write(content) != content.size()) {
@@ -49,25 +54,25 @@ QString CompanionBench::write(const QString& name, const QByteArray& content) co
     return target.fileName();
 }
 
-std::unique_ptr<QProcess> CompanionBench::start(const QStringList& arguments) const
+std::unique_ptr<QProcess> CompanionFixture::start(const QStringList& arguments) const
 {
     auto process = std::make_unique<QProcess>();
     process->setProcessEnvironment(m_environment);
     process->setWorkingDirectory(m_home.path());
     process->setStandardInputFile(QProcess::nullDevice());
-    process->start(QStringLiteral(VORN_COMPANION), arguments);
+    process->start(program(), arguments);
     EXPECT_TRUE(process->waitForStarted(DeadlineMsec));
     return process;
 }
 
-Finished CompanionBench::run(const QString& arguments, const QString& name) const
+Finished CompanionFixture::run(const QString& arguments, const QString& name) const
 {
     QStringList words = arguments.split(u' ', Qt::SkipEmptyParts);
     words.replaceInStrings(QStringLiteral("%1"), name);
     return finish(*start(words));
 }
 
-Finished CompanionBench::finish(QProcess& process)
+Finished CompanionFixture::finish(QProcess& process)
 {
     if (process.state() != QProcess::NotRunning && !process.waitForFinished(DeadlineMsec)) {
         ADD_FAILURE() << "the companion does not end";
@@ -79,7 +84,7 @@ Finished CompanionBench::finish(QProcess& process)
             process.readAllStandardError()};
 }
 
-bool CompanionBench::waitForError(QProcess& process, const QByteArray& text)
+bool CompanionFixture::waitForError(QProcess& process, const QByteArray& text)
 {
     QElapsedTimer timer;
     timer.start();
@@ -93,7 +98,7 @@ bool CompanionBench::waitForError(QProcess& process, const QByteArray& text)
     return true;
 }
 
-std::vector<BadpixelEntry> CompanionBench::eeprom(const QString& serial) const
+std::vector<BadpixelEntry> CompanionFixture::eeprom(const QString& serial) const
 {
     const QDir folder(file(QStringLiteral("eeprom")));
     const QStringList names = folder.entryList({serial + QStringLiteral(".eeprom")}, QDir::Files);
@@ -105,7 +110,7 @@ std::vector<BadpixelEntry> CompanionBench::eeprom(const QString& serial) const
     return entries;
 }
 
-QStringList CompanionBench::backups() const
+QStringList CompanionFixture::backups() const
 {
     const QDir folder(file(QStringLiteral("data/VornHotpixelEditor/backups")));
     QStringList names;

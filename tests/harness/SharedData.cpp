@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/support/SharedData.h"
+#include "tests/harness/SharedData.h"
 
 QString sharedData(const char* name)
 {

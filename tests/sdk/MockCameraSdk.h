@@ -47,3 +47,6 @@ public:
     MOCK_METHOD(std::int32_t, hotpixelCommand, (Handle, std::int32_t, void*, std::int32_t),
                 (override));
 };
+
+/// An SDK whose operations succeed and do nothing: the base of those that answer only some.
+using SilentCameraSdk = testing::NiceMock<MockCameraSdk>;

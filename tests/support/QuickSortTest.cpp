@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "support/QuickSort.h"
 
-#include "tests/support/SharedData.h"
+#include "tests/harness/SharedData.h"
 
 #include <QFile>
 #include <QList>

@@ -26,22 +26,25 @@ struct Finished
 
 /// The demo companion as processes of their own, with simulated cameras, EEPROMs and a home that
 /// nobody else has.
-class CompanionBench
+class CompanionFixture
 {
 public:
     /// @param cameras the text of the settings file of the simulated cameras
-    explicit CompanionBench(const QByteArray& cameras);
+    explicit CompanionFixture(const QByteArray& cameras);
+
+    /// The name of the companion's file.
+    [[nodiscard]] static QString program();
 
     /// Sets a variable of the environment for the processes that are started from now on.
     void setVariable(const QString& name, const QString& value);
 
-    /// A file in the bench's folder.
+    /// A file in the fixture's folder.
     [[nodiscard]] QString file(const QString& name) const { return m_home.filePath(name); }
 
-    /// Writes a file into the bench's folder, and returns its name.
+    /// Writes a file into the fixture's folder, and returns its name.
     QString write(const QString& name, const QByteArray& content) const;
 
-    /// Starts the companion in the bench's folder.
+    /// Starts the companion in the fixture's folder.
     [[nodiscard]] std::unique_ptr<QProcess> start(const QStringList& arguments) const;
 
     /// Runs the companion to its end; @p arguments are separated by blanks, and each %1 in them is

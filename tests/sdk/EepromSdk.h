@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "camera/CameraSdk.h"
 #include "hotpixel/BadpixelEntry.h"
+#include "tests/sdk/ListBuffer.h"
+#include "tests/sdk/MockCameraSdk.h"
 
 #include <cstring>
 #include <functional>
@@ -10,7 +11,7 @@
 
 /// An SDK of which only the EEPROM works, and not always. Every call of hotpixelCommand has a
 /// number, from 1 on, and a chosen one of them goes wrong in a chosen way.
-class EepromSdk final : public CameraSdk
+class EepromSdk final : public SilentCameraSdk
 {
 public:
     enum class Fault {
@@ -117,42 +118,9 @@ public:
         return explains && *code == FaultCode ? 0 : 1;
     }
 
-    // No camera behind it.
-    std::int32_t stopLiveVideo(Handle, std::int32_t) override { return 1; }
-    std::int32_t startLiveVideo(Handle, std::int32_t) override { return 1; }
-    std::int32_t setColorMode(Handle, std::int32_t) override { return 1; }
-    std::int32_t allocImageMemory(Handle, std::int32_t, std::int32_t, std::int32_t, char**,
-                                  std::int32_t*) override
-    {
-        return 1;
-    }
-    std::int32_t freeImageMemory(Handle, char*, std::int32_t) override { return 1; }
-    std::int32_t initEvent(Handle, EventHandle, std::int32_t) override { return 1; }
-    std::int32_t exitEvent(Handle, std::int32_t) override { return 1; }
-    std::int32_t enableEvent(Handle, std::int32_t) override { return 1; }
-    std::int32_t disableEvent(Handle, std::int32_t) override { return 1; }
-    std::int32_t addToSequence(Handle, char*, std::int32_t) override { return 1; }
-    std::int32_t clearSequence(Handle) override { return 1; }
-    std::int32_t getFrameMemory(Handle, std::int32_t, std::int32_t, char**) override { return 1; }
-    std::int32_t setPixelClock(Handle, std::int32_t) override { return 1; }
-    std::int32_t getSensorInfo(Handle, SensorInfo*) override { return 1; }
-    std::int32_t setHardwareGain(Handle, std::int32_t, std::int32_t, std::int32_t,
-                                 std::int32_t) override
-    {
-        return 1;
-    }
-    std::int32_t getFramesPerSecond(Handle, double*) override { return 1; }
-    std::int32_t setFrameRate(Handle, double, double*) override { return 1; }
-    std::int32_t setExposureTime(Handle, double, double*) override { return 1; }
-    std::int32_t initCamera(Handle*, void*) override { return 1; }
-    std::int32_t exitCamera(Handle) override { return 1; }
-    std::int32_t getNumberOfCameras(std::int32_t*) override { return 1; }
-    std::int32_t getFrameTimeRange(Handle, double*, double*, double*) override { return 1; }
-    std::int32_t getExposureRange(Handle, double*, double*, double*) override { return 1; }
-    std::int32_t getPixelClockRange(Handle, std::int32_t*, std::int32_t*) override { return 1; }
-    std::int32_t loadParameters(Handle, const char*) override { return 1; }
-    std::int32_t getCameraList(CameraList*) override { return 1; }
-    std::int32_t getFirmwareUploadTime(Handle, std::int32_t, std::int32_t*) override { return 1; }
+    // No events, so no event threads, and no list of cameras.
+    std::int32_t enableEvent(Handle /*handle*/, std::int32_t /*eventId*/) override { return 1; }
+    std::int32_t getNumberOfCameras(std::int32_t* /*count*/) override { return 1; }
 
 private:
     static std::int32_t answer(std::int32_t number, void* buffer)
@@ -163,12 +131,7 @@ private:
 
     static std::int32_t answer(const std::vector<BadpixelEntry>& list, void* buffer)
     {
-        auto* words = static_cast<std::uint16_t*>(buffer);
-        *words++ = static_cast<std::uint16_t>(list.size());
-        for (const BadpixelEntry& entry : list) {
-            *words++ = entry.x;
-            *words++ = entry.y;
-        }
+        listbuffer::write(list, buffer);
         return 0;
     }
 
@@ -188,14 +151,8 @@ private:
 
     void store(std::int32_t command, const void* buffer)
     {
-        user.clear();
-        if (command == camera::DeleteUserList) {
-            return;
-        }
-        const auto* words = static_cast<const std::uint16_t*>(buffer);
-        const std::size_t count = *words++;
-        for (std::size_t i = 0; i < count; ++i) {
-            user.push_back({words[2 * i], words[2 * i + 1], UserPixel});
-        }
+        user = command == camera::DeleteUserList
+                   ? std::vector<BadpixelEntry>()
+                   : listbuffer::read<std::vector<BadpixelEntry>>(buffer);
     }
 };

@@ -4,6 +4,7 @@
 #include "camera/CameraSdk.h"
 #include "camera/EventObject.h"
 #include "simulator/SimulatedCameraSdk.h"
+#include "tests/sdk/ListBuffer.h"
 
 #include <QDir>
 #include <QTemporaryDir>
@@ -13,7 +14,7 @@
 #include <memory>
 #include <vector>
 
-namespace bench {
+namespace simulatortest {
 
 inline constexpr int GenerousMsec = 20000;
 
@@ -46,11 +47,11 @@ inline CameraDescription smallBayer()
 }
 
 /// A simulated SDK with small, fast cameras whose EEPROMs are in a folder of its own.
-class Bench
+class SimulatorFixture
 {
 public:
-    explicit Bench(std::vector<CameraDescription> cameras = {smallMono(), smallBayer()},
-                   double speed = 200)
+    explicit SimulatorFixture(std::vector<CameraDescription> cameras = {smallMono(), smallBayer()},
+                              double speed = 200)
     {
         bus.cameras = std::move(cameras);
         bus.speed = speed;
@@ -146,32 +147,19 @@ public:
     EventHandle failedEvent = createEventObject();
 };
 
-/// A list buffer as hotpixelCommand takes it.
-inline std::vector<std::uint16_t> listBuffer(std::vector<std::uint16_t> coordinates)
-{
-    coordinates.insert(coordinates.begin(), static_cast<std::uint16_t>(coordinates.size() / 2));
-    return coordinates;
-}
-
-inline std::int32_t sizeOf(const std::vector<std::uint16_t>& words)
-{
-    return static_cast<std::int32_t>(words.size() * sizeof(std::uint16_t));
-}
-
 /// The user or factory list of an opened camera, as its coordinates one after the other.
-inline std::vector<std::uint16_t> readList(CameraSdk& sdk, CameraSdk::Handle handle, bool user)
+inline listbuffer::Words readList(CameraSdk& sdk, CameraSdk::Handle handle, bool user)
 {
     std::int32_t count = 0;
     EXPECT_EQ(sdk.hotpixelCommand(handle, user ? camera::GetUserCount : camera::GetFactoryCount,
                                   &count, 4),
               0);
-    std::vector<std::uint16_t> words(static_cast<std::size_t>(count) * 2 + 1);
+    listbuffer::Words words(static_cast<std::size_t>(count) * 2 + 1);
     EXPECT_EQ(sdk.hotpixelCommand(handle, user ? camera::GetUserList : camera::GetFactoryList,
-                                  words.data(), sizeOf(words)),
+                                  words.data(), listbuffer::sizeOf(words)),
               0);
     EXPECT_EQ(words.front(), count);
-    words.erase(words.begin());
-    return words;
+    return listbuffer::decode(words.data());
 }
 
-} // namespace bench
+} // namespace simulatortest

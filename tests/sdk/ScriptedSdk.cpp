@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "tests/app/ScriptedSdk.h"
+#include "tests/sdk/ScriptedSdk.h"
+
+#include "tests/sdk/ListBuffer.h"
 
 #include <QMutexLocker>
 
@@ -11,26 +13,6 @@ namespace {
 constexpr std::int32_t Failure = 7;
 constexpr std::uint32_t DeviceMask = 0x7fff;
 constexpr std::uint32_t UploadFlag = 0x10000;
-
-void writeList(const QList<QPoint>& entries, void* buffer)
-{
-    auto* words = static_cast<std::uint16_t*>(buffer);
-    *words++ = static_cast<std::uint16_t>(entries.size());
-    for (const QPoint& entry : entries) {
-        *words++ = static_cast<std::uint16_t>(entry.x());
-        *words++ = static_cast<std::uint16_t>(entry.y());
-    }
-}
-
-QList<QPoint> readList(const void* buffer)
-{
-    const auto* words = static_cast<const std::uint16_t*>(buffer);
-    QList<QPoint> entries(words[0]);
-    for (qsizetype i = 0; i < entries.size(); ++i) {
-        entries[i] = {words[1 + 2 * i], words[2 + 2 * i]};
-    }
-    return entries;
-}
 
 } // namespace
 
@@ -112,21 +94,6 @@ std::int32_t ScriptedSdk::initEvent(Handle /*handle*/, EventHandle event, std::i
 {
     const QMutexLocker lock(&m_mutex);
     m_events.insert(eventId, event);
-    return 0;
-}
-
-std::int32_t ScriptedSdk::exitEvent(Handle /*handle*/, std::int32_t /*eventId*/)
-{
-    return 0;
-}
-
-std::int32_t ScriptedSdk::enableEvent(Handle /*handle*/, std::int32_t /*eventId*/)
-{
-    return 0;
-}
-
-std::int32_t ScriptedSdk::disableEvent(Handle /*handle*/, std::int32_t /*eventId*/)
-{
     return 0;
 }
 
@@ -263,11 +230,6 @@ std::int32_t ScriptedSdk::getPixelClockRange(Handle /*handle*/, std::int32_t* mi
     return 0;
 }
 
-std::int32_t ScriptedSdk::loadParameters(Handle /*handle*/, const char* /*fileName*/)
-{
-    return 0;
-}
-
 std::int32_t ScriptedSdk::getCameraList(CameraList* list)
 {
     list->count = std::min(list->count, static_cast<std::uint32_t>(devices.size()));
@@ -314,17 +276,18 @@ std::int32_t ScriptedSdk::hotpixelCommand(Handle /*handle*/, std::int32_t comman
     case camera::GetMaxUserEntries:
         return count(m_open->maxUserEntries);
     case camera::GetFactoryList:
-        writeList(m_open->factory, buffer);
+        listbuffer::write(m_open->factory, buffer);
         return 0;
     case camera::GetUserList:
-        writeList(m_open->user, buffer);
+        listbuffer::write(m_open->user, buffer);
         return 0;
     case camera::SetUserList:
     case camera::DeleteUserList:
         if (failEveryWrite) {
             return Failure;
         }
-        m_open->user = command == camera::SetUserList ? readList(buffer) : QList<QPoint>();
+        m_open->user = command == camera::SetUserList ? listbuffer::read<QList<QPoint>>(buffer)
+                                                      : QList<QPoint>();
         break;
     default:
         break;
