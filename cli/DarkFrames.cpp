@@ -108,6 +108,27 @@ void checkFrameOptions(const QStringList& values, const QCommandLineParser& pars
     }
 }
 
+QList<QCommandLineOption> switchOptions(const std::vector<SdkSwitch>& switches)
+{
+    QList<QCommandLineOption> options;
+    for (const SdkSwitch& sdkSwitch : switches) {
+        options.append(QCommandLineOption(sdkSwitch.name, sdkSwitch.description));
+    }
+    return options;
+}
+
+CameraItem chooseForFrames(const QString& name, const QCommandLineParser& parser,
+                           CommandContext& context)
+{
+    CameraItem chosen = chooseCamera(camera::connectedCameras(context.sdk()), name);
+    for (const SdkSwitch& sdkSwitch : context.switches) {
+        if (parser.isSet(sdkSwitch.name)) {
+            sdkSwitch.apply(context.sdk(), chosen.devId);
+        }
+    }
+    return chosen;
+}
+
 void makeFrameFolder(const QString& folder)
 {
     if (folder.isEmpty()) {

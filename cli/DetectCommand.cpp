@@ -2,6 +2,7 @@
 // `detect`: finds hotpixels in dark frames of a camera or from files.
 
 #include "cli/CameraSession.h"
+#include "cli/CaptureSettings.h"
 #include "cli/Command.h"
 #include "cli/Console.h"
 #include "cli/DarkFrames.h"
@@ -24,7 +25,6 @@
 namespace {
 
 constexpr auto ClearOption = "clear";
-constexpr auto AutoOption = "auto";
 constexpr auto OutOption = "out";
 constexpr auto WriteOption = "write";
 constexpr auto LikeEditorOption = "like-editor";
@@ -32,9 +32,6 @@ constexpr auto FlickeringOption = "flickering";
 constexpr auto ReportOption = "report";
 constexpr auto CsvOption = "csv";
 constexpr auto SaveFramesOption = "save-frames";
-
-/// After the settings changed, one image may be waiting and one being exposed that don't have them.
-constexpr int FramesBeforeSettings = 2;
 
 QString outcomeWord(LiveDetection::Outcome outcome)
 {
@@ -71,11 +68,11 @@ private:
     struct Settings
     {
         cli::AskedRule rule;
+        CaptureSettings capture;
         bool files;
         bool likeEditor;
         bool flickering;
         bool clear;
-        bool automatic;
         bool write;
         bool save;
         QString fileName; ///< to save the list to
@@ -120,6 +117,7 @@ QList<QCommandLineOption> DetectCommand::options(const std::vector<SdkSwitch>& s
 {
     QList<QCommandLineOption> options = cli::frameOptions();
     options += cli::ruleOptions();
+    options += CaptureSettings::options();
     options += {
         {QLatin1String(FlickeringOption),
          tr("Add the pixels that are hot in at least one image, but not in the mean.")},
@@ -129,11 +127,6 @@ QList<QCommandLineOption> DetectCommand::options(const std::vector<SdkSwitch>& s
         {QLatin1String(ClearOption),
          tr("Start without the user entries that the camera holds; the camera itself keeps them "
             "unless --write is given.")},
-        {QLatin1String(AutoOption),
-         tr("Set the camera to its longest exposure at one image per second and a gain of 50 "
-            "before. The first %1 images are not used then, since they may have been taken with "
-            "the settings before.")
-             .arg(FramesBeforeSettings)},
         {QLatin1String(OutOption),
          tr("Save the user entries, known and new, to the list file FILE."),
          QStringLiteral("FILE")},
@@ -148,9 +141,7 @@ QList<QCommandLineOption> DetectCommand::options(const std::vector<SdkSwitch>& s
         {QLatin1String(WriteOption),
          tr("Write the user entries, known and new, into the camera, as the command write does.")}};
     options += cli::writeOptions();
-    for (const SdkSwitch& sdkSwitch : switches) {
-        options.append(QCommandLineOption(sdkSwitch.name, sdkSwitch.description));
-    }
+    options += cli::switchOptions(switches);
     return options;
 }
 
@@ -171,11 +162,11 @@ DetectCommand::Settings DetectCommand::settingsOf(const QStringList& values,
 {
     cli::checkFrameOptions(values, parser);
     Settings settings{.rule = cli::askedRule(parser, cli::takesFiles(parser)),
+                      .capture = CaptureSettings(parser, cli::takesFiles(parser)),
                       .files = cli::takesFiles(parser),
                       .likeEditor = parser.isSet(QLatin1String(LikeEditorOption)),
                       .flickering = parser.isSet(QLatin1String(FlickeringOption)),
                       .clear = parser.isSet(QLatin1String(ClearOption)),
-                      .automatic = parser.isSet(QLatin1String(AutoOption)),
                       .write = parser.isSet(QLatin1String(WriteOption)),
                       .save = parser.isSet(QLatin1String(OutOption)),
                       .fileName = parser.value(QLatin1String(OutOption)),
@@ -199,7 +190,7 @@ DetectCommand::Settings DetectCommand::settingsOf(const QStringList& values,
 
 void DetectCommand::checkTogether(const Settings& settings)
 {
-    if (settings.files && (settings.clear || settings.automatic || settings.write)) {
+    if (settings.files && (settings.clear || settings.write)) {
         throw cli::UsageError(tr("--clear, --auto and --write are for a camera, and --frames takes "
                                  "none."));
     }
@@ -244,19 +235,10 @@ void DetectCommand::detectWithCamera(const QString& name, const Settings& settin
                                      const QCommandLineParser& parser, CommandContext& context)
 {
     Report report(context.console, context.json);
-    const CameraItem chosen = cli::chooseCamera(camera::connectedCameras(context.sdk()), name);
-    for (const SdkSwitch& sdkSwitch : context.switches) {
-        if (parser.isSet(sdkSwitch.name)) {
-            sdkSwitch.apply(context.sdk(), chosen.devId);
-        }
-    }
-
-    CameraSession session(context, chosen);
+    CameraSession session(context, cli::chooseForFrames(name, parser, context));
     BadpixelListModel list;
     readLists(session.camera(), list);
-    if (settings.automatic) {
-        session.camera().setAutoConfig();
-    }
+    settings.capture.apply(session.camera());
     constexpr std::uint32_t CameraBits = 8;
     const HotRule rule = cli::ruleFor(settings.rule, CameraBits);
     cli::reportCamera(session, report);
@@ -272,6 +254,9 @@ void DetectCommand::detectWithCamera(const QString& name, const Settings& settin
                     .arg(known.user.size()));
     reportFound(session.camera().colorMode() == camera::ColorModeBayer8, found, rule, settings,
                 report);
+    if (found.empty()) {
+        cli::reportShortExposure(session.camera().exposure().value, report);
+    }
 
     if (!settings.write) {
         cli::noteEntriesBeside(list.entries(), session.camera().imageWidth(), context.console);
@@ -304,7 +289,7 @@ DetectCommand::Known DetectCommand::knownIn(const BadpixelListModel& list, bool 
 void DetectCommand::run(CameraSession& session, BadpixelListModel& list, const Settings& settings,
                         const Known& known, CommandContext& context, Report& report)
 {
-    const int skippedFrames = settings.automatic ? FramesBeforeSettings : 0;
+    const int skippedFrames = settings.capture.skippedFrames();
     const int images = skippedFrames + DetectionRun::FrameCount + 1;
     const double framesPerSecond = session.camera().framerate().value;
     if (framesPerSecond > 0) {

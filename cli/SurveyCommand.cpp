@@ -2,6 +2,7 @@
 // `survey`: looks at dark frames of a camera or from files, and changes nothing.
 
 #include "cli/CameraSession.h"
+#include "cli/CaptureSettings.h"
 #include "cli/Command.h"
 #include "cli/Console.h"
 #include "cli/DarkFrames.h"
@@ -35,15 +36,17 @@ public:
                     CommandContext& context);
 
 private:
-    /// The hotpixels that a camera knows, and how many it can.
+    /// The hotpixels that a camera knows, how many it can, and how it took its frames.
     struct Known
     {
         std::vector<PixelPosition> factory;
         std::vector<PixelPosition> user;
         std::optional<std::uint64_t> capacity;
+        std::optional<double> exposureMsec; ///< of the frames, where a camera took them
     };
 
     static std::pair<DarkFrames, Known> fromCamera(const QString& name,
+                                                   const CaptureSettings& capture,
                                                    const QCommandLineParser& parser,
                                                    CommandContext& context, Report& report);
     static std::optional<ListRoom> roomIn(const DarkFrames& frames, const Survey& survey,
@@ -54,14 +57,13 @@ QList<QCommandLineOption> SurveyCommand::options(const std::vector<SdkSwitch>& s
 {
     QList<QCommandLineOption> options = cli::frameOptions();
     options += cli::ruleOptions();
+    options += CaptureSettings::options();
     options += {{QLatin1String(CapacityOption),
                  tr("With --frames: tell which threshold fills a list of N entries."),
                  QStringLiteral("N")},
                 {QLatin1String(ReportOption), tr("Save a report with diagrams as a page of HTML."),
                  QStringLiteral("FILE")}};
-    for (const SdkSwitch& sdkSwitch : switches) {
-        options.append(QCommandLineOption(sdkSwitch.name, sdkSwitch.description));
-    }
+    options += cli::switchOptions(switches);
     return options;
 }
 
@@ -71,6 +73,7 @@ void SurveyCommand::run(const QStringList& values, const QCommandLineParser& par
     cli::checkFrameOptions(values, parser);
     const bool files = cli::takesFiles(parser);
     const cli::AskedRule asked = cli::askedRule(parser, files);
+    const CaptureSettings capture(parser, files);
     Known known;
     if (parser.isSet(QLatin1String(CapacityOption))) {
         if (!files) {
@@ -92,7 +95,7 @@ void SurveyCommand::run(const QStringList& values, const QCommandLineParser& par
         constexpr std::uint32_t LeastFrames = 2;
         frames = cli::readDarkFrames(values, parser, LeastFrames, QString(), context);
     } else {
-        auto [taken, inCamera] = fromCamera(values.front(), parser, context, report);
+        auto [taken, inCamera] = fromCamera(values.front(), capture, parser, context, report);
         frames = std::move(taken);
         known = std::move(inCamera);
     }
@@ -109,6 +112,9 @@ void SurveyCommand::run(const QStringList& values, const QCommandLineParser& par
         report.line(frames->source);
     }
     report.line(darkframes::surveyText(frames->stack, survey, findings, room));
+    if (known.exposureMsec && findings.pixels.hot.empty()) {
+        cli::reportShortExposure(*known.exposureMsec, report);
+    }
     if (!reportFile.isEmpty()) {
         const auto pixels =
             darkframes::foundPixels(frames->stack, survey, findings, known.factory, known.user);
@@ -121,25 +127,22 @@ void SurveyCommand::run(const QStringList& values, const QCommandLineParser& par
 }
 
 std::pair<DarkFrames, SurveyCommand::Known>
-SurveyCommand::fromCamera(const QString& name, const QCommandLineParser& parser,
-                          CommandContext& context, Report& report)
+SurveyCommand::fromCamera(const QString& name, const CaptureSettings& capture,
+                          const QCommandLineParser& parser, CommandContext& context, Report& report)
 {
-    const CameraItem chosen = cli::chooseCamera(camera::connectedCameras(context.sdk()), name);
-    for (const SdkSwitch& sdkSwitch : context.switches) {
-        if (parser.isSet(sdkSwitch.name)) {
-            sdkSwitch.apply(context.sdk(), chosen.devId);
-        }
-    }
-    CameraSession session(context, chosen);
+    CameraSession session(context, cli::chooseForFrames(name, parser, context));
+    capture.apply(session.camera());
     const CameraLists lists(session.camera());
     const Known known{cli::positionsOf(lists.factoryEntries(), FactoryPixel),
                       cli::positionsOf(lists.userEntries(), UserPixel),
-                      static_cast<std::uint64_t>(lists.maxUserEntries())};
+                      static_cast<std::uint64_t>(lists.maxUserEntries()),
+                      session.camera().exposure().value};
     cli::reportCamera(session, report);
 
     BadpixelListModel list;
     QVector<QImage> images;
-    const LiveDetection::Result taken = LiveDetection(session, list, context).takeFrames(images, 0);
+    const LiveDetection::Result taken =
+        LiveDetection(session, list, context).takeFrames(images, capture.skippedFrames());
     if (taken.outcome != LiveDetection::Outcome::Found) {
         throw cli::CommandError(taken.message);
     }
