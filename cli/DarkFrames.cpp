@@ -6,6 +6,7 @@
 #include "cli/Console.h"
 #include "cli/EntryText.h"
 #include "cli/Interruption.h"
+#include "cli/SeveralCameras.h"
 #include "darkframes/FrameFile.h"
 #include "darkframes/FrameFolder.h"
 #include "darkframes/FrameStacker.h"
@@ -72,7 +73,7 @@ namespace cli {
 
 QString frameArgument()
 {
-    return QStringLiteral("CAMERA|--frames PATH...");
+    return QStringLiteral("CAMERA...|--frames PATH...");
 }
 
 QList<QCommandLineOption> frameOptions()
@@ -91,16 +92,18 @@ bool takesFiles(const QCommandLineParser& parser)
     return parser.isSet(QLatin1String(FramesOption));
 }
 
-void checkFrameOptions(const QStringList& values, const QCommandLineParser& parser)
+qsizetype camerasUnlessFrames(const QStringList& values, const QCommandLineParser& parser)
+{
+    return takesFiles(parser) ? 0 : values.size();
+}
+
+void checkFrameOptions(const QCommandLineParser& parser)
 {
     if (parser.isSet(QLatin1String(BayerOption)) && parser.isSet(QLatin1String(MonoOption))) {
         throw UsageError(Text::tr("--bayer and --mono contradict each other."));
     }
     if (takesFiles(parser)) {
         return;
-    }
-    if (values.size() > 1) {
-        throw UsageError(Text::tr("\"%1\" is too much.").arg(values[1]));
     }
     if (toldMosaic(parser)) {
         throw UsageError(Text::tr("A camera says itself what sensor it has: --bayer and --mono are "
@@ -120,7 +123,7 @@ QList<QCommandLineOption> switchOptions(const std::vector<SdkSwitch>& switches)
 CameraItem chooseForFrames(const QString& name, const QCommandLineParser& parser,
                            CommandContext& context)
 {
-    CameraItem chosen = chooseCamera(camera::connectedCameras(context.sdk()), name);
+    CameraItem chosen = chosenCamera(context, name);
     for (const SdkSwitch& sdkSwitch : context.switches) {
         if (parser.isSet(sdkSwitch.name)) {
             sdkSwitch.apply(context.sdk(), chosen.devId);

@@ -47,9 +47,12 @@ QList<QCommandLineOption> frameOptions();
 /// Whether the values name files.
 [[nodiscard]] bool takesFiles(const QCommandLineParser& parser);
 
-/// @throws UsageError when the values and the options do not go together: more than one camera,
-/// both kinds of sensor, a kind of sensor that a camera says itself.
-void checkFrameOptions(const QStringList& values, const QCommandLineParser& parser);
+/// Which of the values name cameras: all of them, or none that name files.
+qsizetype camerasUnlessFrames(const QStringList& values, const QCommandLineParser& parser);
+
+/// @throws UsageError when the options do not go together: both kinds of sensor, a kind of sensor
+/// that a camera says itself.
+void checkFrameOptions(const QCommandLineParser& parser);
 
 /// The switches of the SDK, as options of a command that takes frames.
 QList<QCommandLineOption> switchOptions(const std::vector<SdkSwitch>& switches);

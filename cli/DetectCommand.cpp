@@ -11,6 +11,7 @@
 #include "cli/GuardedWrite.h"
 #include "cli/ListFiles.h"
 #include "cli/LiveDetection.h"
+#include "cli/SeveralCameras.h"
 #include "cli/SurveyOptions.h"
 #include "detection/DetectionRun.h"
 #include "hotpixel/BadpixelListModel.h"
@@ -21,6 +22,7 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -88,8 +90,7 @@ private:
         std::vector<PixelPosition> user;
     };
 
-    static Settings settingsOf(const QStringList& values, const QCommandLineParser& parser,
-                               const CommandContext& context);
+    static Settings settingsOf(const QCommandLineParser& parser, const CommandContext& context);
     static void checkTogether(const Settings& settings);
 
     static void detectInFiles(const QStringList& values, const Settings& settings,
@@ -148,7 +149,7 @@ QList<QCommandLineOption> DetectCommand::options(const std::vector<SdkSwitch>& s
 void DetectCommand::run(const QStringList& values, const QCommandLineParser& parser,
                         CommandContext& context)
 {
-    const Settings settings = settingsOf(values, parser, context);
+    const Settings settings = settingsOf(parser, context);
     if (settings.files) {
         detectInFiles(values, settings, parser, context);
     } else {
@@ -156,30 +157,32 @@ void DetectCommand::run(const QStringList& values, const QCommandLineParser& par
     }
 }
 
-DetectCommand::Settings DetectCommand::settingsOf(const QStringList& values,
-                                                  const QCommandLineParser& parser,
+DetectCommand::Settings DetectCommand::settingsOf(const QCommandLineParser& parser,
                                                   const CommandContext& context)
 {
-    cli::checkFrameOptions(values, parser);
-    Settings settings{.rule = cli::askedRule(parser, cli::takesFiles(parser)),
-                      .capture = CaptureSettings(parser, cli::takesFiles(parser)),
-                      .files = cli::takesFiles(parser),
-                      .likeEditor = parser.isSet(QLatin1String(LikeEditorOption)),
-                      .flickering = parser.isSet(QLatin1String(FlickeringOption)),
-                      .clear = parser.isSet(QLatin1String(ClearOption)),
-                      .write = parser.isSet(QLatin1String(WriteOption)),
-                      .save = parser.isSet(QLatin1String(OutOption)),
-                      .fileName = parser.value(QLatin1String(OutOption)),
-                      .csvFile = parser.value(QLatin1String(CsvOption)),
-                      .reportFile = parser.value(QLatin1String(ReportOption)),
-                      .frameFolder = parser.value(QLatin1String(SaveFramesOption))};
+    cli::checkFrameOptions(parser);
+    Settings settings{
+        .rule = cli::askedRule(parser, cli::takesFiles(parser)),
+        .capture = CaptureSettings(parser, cli::takesFiles(parser)),
+        .files = cli::takesFiles(parser),
+        .likeEditor = parser.isSet(QLatin1String(LikeEditorOption)),
+        .flickering = parser.isSet(QLatin1String(FlickeringOption)),
+        .clear = parser.isSet(QLatin1String(ClearOption)),
+        .write = parser.isSet(QLatin1String(WriteOption)),
+        .save = parser.isSet(QLatin1String(OutOption)),
+        .fileName = cli::outputName(parser, OutOption, QStringLiteral(".txt"), context),
+        .csvFile = cli::outputName(parser, CsvOption, QStringLiteral(".csv"), context),
+        .reportFile = cli::outputName(parser, ReportOption, QStringLiteral(".html"), context),
+        .frameFolder = cli::outputName(parser, SaveFramesOption, {}, context)};
     checkTogether(settings);
     if (settings.write) {
         cli::checkWriteOptions(parser, context);
     }
-    for (const char* option : {OutOption, CsvOption, ReportOption}) {
+    for (const auto& [option, fileName] : {std::pair(OutOption, settings.fileName),
+                                           {CsvOption, settings.csvFile},
+                                           {ReportOption, settings.reportFile}}) {
         if (parser.isSet(QLatin1String(option))) {
-            cli::checkOutputFile(parser.value(QLatin1String(option)));
+            cli::checkOutputFile(fileName);
         }
     }
     if (parser.isSet(QLatin1String(SaveFramesOption))) {
@@ -211,7 +214,7 @@ void DetectCommand::checkTogether(const Settings& settings)
 void DetectCommand::detectInFiles(const QStringList& values, const Settings& settings,
                                   const QCommandLineParser& parser, CommandContext& context)
 {
-    Report report(context.console, context.json);
+    Report report(context);
     const DarkFrames frames = cli::readDarkFrames(values, parser, 1, settings.frameFolder, context);
     const HotRule rule = cli::ruleFor(settings.rule, frames.stack.info().bitsPerPixel);
     cli::reportFiles(frames, report);
@@ -234,7 +237,7 @@ void DetectCommand::detectInFiles(const QStringList& values, const Settings& set
 void DetectCommand::detectWithCamera(const QString& name, const Settings& settings,
                                      const QCommandLineParser& parser, CommandContext& context)
 {
-    Report report(context.console, context.json);
+    Report report(context);
     CameraSession session(context, cli::chooseForFrames(name, parser, context));
     BadpixelListModel list;
     readLists(session.camera(), list);
@@ -376,6 +379,7 @@ void DetectCommand::reportFound(bool isBayer, std::span<const BadpixelEntry> fou
                                 const HotRule& rule, const Settings& settings, Report& report)
 {
     report.insert("found", static_cast<qint64>(found.size()));
+    report.setSummary(tr("%1 new").arg(found.size()));
     report.insert("pixels", cli::entryArray(found));
     const QString plane = isBayer ? tr(" of their plane") : QString();
     const QString limit = rule.sigma ? tr("%1 robust deviations above the median").arg(*rule.sigma)
@@ -418,15 +422,17 @@ Command detect()
             .arguments = {cli::frameArgument()},
             .summary = DetectCommand::tr("Find hotpixels in dark frames."),
             .description = DetectCommand::tr(
-                "Takes ten images with CAMERA (a Dev number or a serial number), whose sensor\n"
-                "has to be covered, or all frames from files, and finds the pixels that are\n"
-                "brighter than the mean in all of them together. On a Bayer sensor each of the\n"
-                "four planes has a mean of its own. What the camera's lists hold already is not\n"
-                "reported again.\n\n"
+                "Takes ten images with each CAMERA (a Dev number, a serial number, or \"all\"),\n"
+                "whose sensor has to be covered, or all frames from files, and finds the pixels\n"
+                "that are brighter than the mean in all of them together. On a Bayer sensor each\n"
+                "of the four planes has a mean of its own. What the camera's lists hold already\n"
+                "is not reported again. With several cameras the options that name a file name a\n"
+                "folder, in which each camera has its own.\n\n"
                 "A scene that is not dark, and more hotpixels than the camera can store, end\n"
                 "the detection with status 1 and change nothing."),
             .options = DetectCommand::options,
-            .run = DetectCommand::run};
+            .run = DetectCommand::run,
+            .cameras = cli::camerasUnlessFrames};
 }
 
 } // namespace cli::commands

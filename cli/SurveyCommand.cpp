@@ -8,6 +8,7 @@
 #include "cli/DarkFrames.h"
 #include "cli/ListFiles.h"
 #include "cli/LiveDetection.h"
+#include "cli/SeveralCameras.h"
 #include "cli/SurveyOptions.h"
 #include "darkframes/SurveyOutput.h"
 #include "hotpixel/BadpixelListModel.h"
@@ -70,7 +71,7 @@ QList<QCommandLineOption> SurveyCommand::options(const std::vector<SdkSwitch>& s
 void SurveyCommand::run(const QStringList& values, const QCommandLineParser& parser,
                         CommandContext& context)
 {
-    cli::checkFrameOptions(values, parser);
+    cli::checkFrameOptions(parser);
     const bool files = cli::takesFiles(parser);
     const cli::AskedRule asked = cli::askedRule(parser, files);
     const CaptureSettings capture(parser, files);
@@ -83,12 +84,13 @@ void SurveyCommand::run(const QStringList& values, const QCommandLineParser& par
         known.capacity =
             cli::numberOf(parser, CapacityOption, tr("The capacity"), 0, GreatestCapacity);
     }
-    const QString reportFile = parser.value(QLatin1String(ReportOption));
+    const QString reportFile =
+        cli::outputName(parser, ReportOption, QStringLiteral(".html"), context);
     if (parser.isSet(QLatin1String(ReportOption))) {
         cli::checkOutputFile(reportFile);
     }
 
-    Report report(context.console, context.json);
+    Report report(context);
     std::optional<DarkFrames> frames;
     if (files) {
         // A single one says nothing about noise.
@@ -112,6 +114,9 @@ void SurveyCommand::run(const QStringList& values, const QCommandLineParser& par
         report.line(frames->source);
     }
     report.line(darkframes::surveyText(frames->stack, survey, findings, room));
+    report.setSummary(tr("%1 hot, %2 flickering")
+                          .arg(findings.pixels.hot.size())
+                          .arg(findings.pixels.flickering.size()));
     if (known.exposureMsec && findings.pixels.hot.empty()) {
         cli::reportShortExposure(*known.exposureMsec, report);
     }
@@ -170,14 +175,16 @@ Command survey()
             .arguments = {cli::frameArgument()},
             .summary = SurveyCommand::tr("Look at dark frames before a detection."),
             .description = SurveyCommand::tr(
-                "Takes ten images with CAMERA, whose sensor has to be covered, or all frames\n"
-                "from files, and prints what they show of the sensor: statistics of the mean\n"
-                "image and the nonuniformity of EMVA standard 1288 for the whole sensor and\n"
-                "for each Bayer plane, how many hotpixels each threshold finds and which one\n"
-                "fills the camera's list, clusters, and pixels that flicker. It changes\n"
-                "nothing."),
+                "Takes ten images with each CAMERA (a Dev number, a serial number, or \"all\"),\n"
+                "whose sensor has to be covered, or all frames from files, and prints what they\n"
+                "show of the sensor: statistics of the mean image and the nonuniformity of EMVA\n"
+                "standard 1288 for the whole sensor and for each Bayer plane, how many hotpixels\n"
+                "each threshold finds and which one fills the camera's list, clusters, and pixels\n"
+                "that flicker. It changes nothing. With several cameras --report names a folder,\n"
+                "in which each camera has its own."),
             .options = SurveyCommand::options,
-            .run = SurveyCommand::run};
+            .run = SurveyCommand::run,
+            .cameras = cli::camerasUnlessFrames};
 }
 
 } // namespace cli::commands
