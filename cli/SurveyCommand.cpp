@@ -179,9 +179,9 @@ Command survey()
                 "whose sensor has to be covered, or all frames from files, and prints what they\n"
                 "show of the sensor: statistics of the mean image and the nonuniformity of EMVA\n"
                 "standard 1288 for the whole sensor and for each Bayer plane, how many hotpixels\n"
-                "each threshold finds and which one fills the camera's list, clusters, and pixels\n"
-                "that flicker. It changes nothing. With several cameras --report names a folder,\n"
-                "in which each camera has its own."),
+                "each threshold finds and which one fills the camera's list, clusters, and\n"
+                "pixels that flicker. It changes nothing. With several cameras --report names a\n"
+                "folder, in which each camera has its own."),
             .options = SurveyCommand::options,
             .run = SurveyCommand::run,
             .cameras = cli::camerasUnlessFrames};
