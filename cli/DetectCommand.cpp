@@ -177,6 +177,8 @@ DetectCommand::Settings DetectCommand::settingsOf(const QCommandLineParser& pars
     checkTogether(settings);
     if (settings.write) {
         cli::checkWriteOptions(parser, context);
+    } else if (cli::isDryRun(parser)) {
+        throw cli::UsageError(tr("--dry-run shows what --write would do, which is missing."));
     }
     for (const auto& [option, fileName] : {std::pair(OutOption, settings.fileName),
                                            {CsvOption, settings.csvFile},

@@ -49,9 +49,10 @@ Command write()
                 "Replaces the user list in the EEPROM of each CAMERA (a Dev number, a serial\n"
                 "number, or \"all\") by the entries of the list file FILE, whose lines are x, y\n"
                 "and the class 1.\n\n"
-                "A list that does not fit is refused. The list that the camera holds is saved\n"
-                "to a dated file before. The new one is read back and compared, and where they\n"
-                "differ the old one is put back."),
+                "What changes is shown before. Entries that the list has twice, or that the\n"
+                "factory list has, are left out. A list that does not fit is refused. The list\n"
+                "that the camera holds is saved to a dated file before. The new one is read back\n"
+                "and compared, and where they differ the old one is put back."),
             .options = WriteCommand::options,
             .run = WriteCommand::run,
             .cameras = cli::allButTheLastAreCameras};
