@@ -6,6 +6,7 @@
 #include "cli/Console.h"
 #include "cli/EntryText.h"
 #include "cli/ListFiles.h"
+#include "cli/SeveralCameras.h"
 #include "hotpixel/CameraLists.h"
 
 #include <QCommandLineParser>
@@ -29,7 +30,8 @@ public:
     static void run(const QStringList& values, const QCommandLineParser& parser,
                     CommandContext& context)
     {
-        const QString fileName = parser.value(QLatin1String(OutOption));
+        const QString fileName =
+            cli::outputName(parser, OutOption, QStringLiteral(".txt"), context);
         const bool save = parser.isSet(QLatin1String(OutOption));
         if (save) {
             cli::checkOutputFile(fileName);
@@ -44,7 +46,7 @@ public:
             cli::saveOutputFile(fileName, user);
         }
 
-        Report report(context.console, context.json);
+        Report report(context);
         const auto list = [&report](const char* key, const QString& title,
                                     const std::vector<BadpixelEntry>& entries) {
             report.insert(key, cli::entryArray(entries));
@@ -59,6 +61,7 @@ public:
         list("factory", tr("Factory list: %1").arg(cli::entryCount(factory.size())), factory);
         list("user",
              tr("User list: %1, at most %2").arg(cli::entryCount(user.size())).arg(capacity), user);
+        report.setSummary(tr("%1 factory, %2 user").arg(factory.size()).arg(user.size()));
         if (save) {
             report.insert("saved", fileName);
             report.line(tr("User list saved to %1").arg(fileName));
@@ -73,13 +76,15 @@ namespace cli::commands {
 Command read()
 {
     return {.name = QStringLiteral("read"),
-            .arguments = {QStringLiteral("CAMERA")},
+            .arguments = {QStringLiteral("CAMERA...")},
             .summary = ReadCommand::tr("Read the hotpixel lists from a camera."),
             .description = ReadCommand::tr(
-                "Reads the factory list and the user list from the EEPROM of CAMERA, which is a\n"
-                "Dev number or a serial number."),
+                "Reads the factory list and the user list from the EEPROM of each CAMERA (a Dev\n"
+                "number, a serial number, or \"all\"). With several of them --out names a folder,\n"
+                "and each list is saved there under the serial number."),
             .options = ReadCommand::options,
-            .run = ReadCommand::run};
+            .run = ReadCommand::run,
+            .cameras = cli::allAreCameras};
 }
 
 } // namespace cli::commands
