@@ -20,7 +20,9 @@
     COMMAND(read)                                                                                  \
     COMMAND(survey)                                                                                \
     COMMAND(detect)                                                                                \
-    COMMAND(write)
+    COMMAND(write)                                                                                 \
+    COMMAND(check)                                                                                 \
+    COMMAND(correction)
 
 namespace cli::commands {
 

@@ -6,10 +6,12 @@
 #include "cli/Console.h"
 #include "cli/EntryText.h"
 #include "cli/Interruption.h"
+#include "cli/LiveDetection.h"
 #include "cli/SeveralCameras.h"
 #include "darkframes/FrameFile.h"
 #include "darkframes/FrameFolder.h"
 #include "darkframes/FrameStacker.h"
+#include "hotpixel/BadpixelListModel.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -207,6 +209,18 @@ DarkFrames darkFramesOf(CameraSession& session, const QVector<QImage>& frames)
         {Text::tr("gain"), QString::number(camera.mastergain().value)},
         {Text::tr("rate"), Text::tr("%1 per second").arg(camera.framerate().value, 0, 'f', 2)}};
     return result;
+}
+
+DarkFrames takeDarkFrames(CameraSession& session, int skippedFrames, CommandContext& context)
+{
+    BadpixelListModel list;
+    QVector<QImage> images;
+    const LiveDetection::Result taken =
+        LiveDetection(session, list, context).takeFrames(images, skippedFrames);
+    if (taken.outcome != LiveDetection::Outcome::Found) {
+        throw CommandError(taken.message);
+    }
+    return darkFramesOf(session, images);
 }
 
 void saveFrames(const QVector<QImage>& frames, const QString& folder)

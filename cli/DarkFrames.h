@@ -79,6 +79,11 @@ DarkFrames readDarkFrames(const QStringList& values, const QCommandLineParser& p
 /// @param frames of its size, 8 bits
 DarkFrames darkFramesOf(CameraSession& session, const QVector<QImage>& frames);
 
+/// Takes ten dark frames with an open camera; runs the event loop meanwhile.
+/// @param skippedFrames images that come first and are not used
+/// @throws CommandError why there are none.
+DarkFrames takeDarkFrames(CameraSession& session, int skippedFrames, CommandContext& context);
+
 /// Saves the frames of a camera.
 void saveFrames(const QVector<QImage>& frames, const QString& folder);
 

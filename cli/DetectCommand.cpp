@@ -106,7 +106,6 @@ private:
                                         const Settings& settings, const Known& known,
                                         const CommandContext& context, Report& report);
 
-    static void reportRule(const HotRule& rule, Report& report);
     static void reportResult(const LiveDetection::Result& result, Report& report);
     static void reportFound(bool isBayer, std::span<const BadpixelEntry> found, const HotRule& rule,
                             const Settings& settings, Report& report);
@@ -220,7 +219,7 @@ void DetectCommand::detectInFiles(const QStringList& values, const Settings& set
     const DarkFrames frames = cli::readDarkFrames(values, parser, 1, settings.frameFolder, context);
     const HotRule rule = cli::ruleFor(settings.rule, frames.stack.info().bitsPerPixel);
     cli::reportFiles(frames, report);
-    reportRule(rule, report);
+    cli::reportRule(rule, report);
 
     BadpixelListModel list;
     list.setMaxUserEntries(std::numeric_limits<int>::max());
@@ -247,7 +246,7 @@ void DetectCommand::detectWithCamera(const QString& name, const Settings& settin
     constexpr std::uint32_t CameraBits = 8;
     const HotRule rule = cli::ruleFor(settings.rule, CameraBits);
     cli::reportCamera(session, report);
-    reportRule(rule, report);
+    cli::reportRule(rule, report);
 
     // The run itself clears the list, so what is known is counted as it will find it.
     const Known known = knownIn(list, settings.clear);
@@ -356,15 +355,6 @@ LiveDetection::Result DetectCommand::findIn(const DarkFrames& frames, BadpixelLi
     return result;
 }
 
-void DetectCommand::reportRule(const HotRule& rule, Report& report)
-{
-    if (rule.sigma) {
-        report.insert("sigma", *rule.sigma);
-    } else {
-        report.insert("threshold", static_cast<qint64>(rule.threshold));
-    }
-}
-
 void DetectCommand::reportResult(const LiveDetection::Result& result, Report& report)
 {
     if (result.outcome == LiveDetection::Outcome::Found) {
@@ -383,11 +373,8 @@ void DetectCommand::reportFound(bool isBayer, std::span<const BadpixelEntry> fou
     report.insert("found", static_cast<qint64>(found.size()));
     report.setSummary(tr("%1 new").arg(found.size()));
     report.insert("pixels", cli::entryArray(found));
-    const QString plane = isBayer ? tr(" of their plane") : QString();
-    const QString limit = rule.sigma ? tr("%1 robust deviations above the median").arg(*rule.sigma)
-                                     : tr("%1 grey levels above the mean").arg(rule.threshold);
-    report.line(
-        tr("New hotpixels, more than %1%2: %3").arg(limit, plane, QString::number(found.size())));
+    report.line(tr("New hotpixels, %1: %2")
+                    .arg(cli::ruleText(rule, isBayer), QString::number(found.size())));
     if (isBayer) {
         report.line(cli::planeText(found));
         report.insert("planes", cli::planeArray(found));

@@ -7,11 +7,9 @@
 #include "cli/Console.h"
 #include "cli/DarkFrames.h"
 #include "cli/ListFiles.h"
-#include "cli/LiveDetection.h"
 #include "cli/SeveralCameras.h"
 #include "cli/SurveyOptions.h"
 #include "darkframes/SurveyOutput.h"
-#include "hotpixel/BadpixelListModel.h"
 #include "hotpixel/CameraLists.h"
 
 #include <QCommandLineParser>
@@ -144,14 +142,7 @@ SurveyCommand::fromCamera(const QString& name, const CaptureSettings& capture,
                       session.camera().exposure().value};
     cli::reportCamera(session, report);
 
-    BadpixelListModel list;
-    QVector<QImage> images;
-    const LiveDetection::Result taken =
-        LiveDetection(session, list, context).takeFrames(images, capture.skippedFrames());
-    if (taken.outcome != LiveDetection::Outcome::Found) {
-        throw cli::CommandError(taken.message);
-    }
-    return {cli::darkFramesOf(session, images), known};
+    return {cli::takeDarkFrames(session, capture.skippedFrames(), context), known};
 }
 
 std::optional<ListRoom> SurveyCommand::roomIn(const DarkFrames& frames, const Survey& survey,
