@@ -103,7 +103,7 @@ public:
         return file.fileName();
     }
 
-    /// Runs the companion; @p arguments are separated by blanks, DIR in them is the bench's folder.
+    /// Runs the companion; @p arguments are separated by blanks, DIR in them is the fixture's folder.
     Outcome run(QString arguments)
     {
         arguments.replace(QStringLiteral("DIR"), m_home.path());
@@ -166,36 +166,36 @@ private:
     class WatchedSdk final : public FaultyCameraSdk
     {
     public:
-        WatchedSdk(CameraSdk& sdk, CameraFixture& bench)
+        WatchedSdk(CameraSdk& sdk, CameraFixture& fixture)
             : FaultyCameraSdk(sdk)
-            , m_bench(bench)
+            , m_fixture(fixture)
         {}
 
         ~WatchedSdk() override
         {
-            m_bench.struck = struck();
+            m_fixture.struck = struck();
             for (std::size_t i = 0; i < SdkOperationCount; ++i) {
-                m_bench.calls[i] = FaultyCameraSdk::calls(static_cast<SdkOperation>(i));
+                m_fixture.calls[i] = FaultyCameraSdk::calls(static_cast<SdkOperation>(i));
             }
         }
 
         std::int32_t hotpixelCommand(Handle handle, std::int32_t command, void* buffer,
                                      std::int32_t size) override
         {
-            m_bench.commands.push_back(command);
-            m_bench.onCommand(command);
+            m_fixture.commands.push_back(command);
+            m_fixture.onCommand(command);
             return FaultyCameraSdk::hotpixelCommand(handle, command, buffer, size);
         }
 
         std::int32_t getFrameMemory(Handle handle, std::int32_t first, std::int32_t second,
                                     char** memory) override
         {
-            m_bench.onFrame(++m_bench.frames);
+            m_fixture.onFrame(++m_fixture.frames);
             return FaultyCameraSdk::getFrameMemory(handle, first, second, memory);
         }
 
     private:
-        CameraFixture& m_bench;
+        CameraFixture& m_fixture;
     };
 
     [[nodiscard]] QString eepromFile() const { return path(QStringLiteral("eeprom/S1.eeprom")); }
