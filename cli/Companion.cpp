@@ -22,7 +22,9 @@
     COMMAND(detect)                                                                                \
     COMMAND(write)                                                                                 \
     COMMAND(check)                                                                                 \
-    COMMAND(correction)
+    COMMAND(correction)                                                                            \
+    COMMAND(backups)                                                                               \
+    COMMAND(restore)
 
 namespace cli::commands {
 

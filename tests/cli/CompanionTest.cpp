@@ -42,8 +42,8 @@ protected:
 
 TEST_F(CompanionUse, IsExplainedByHelpOfEachCommandWithoutAnyCamera)
 {
-    for (const char* command :
-         {"", "cameras", "read", "survey", "detect", "write", "check", "correction"}) {
+    for (const char* command : {"", "cameras", "read", "survey", "detect", "write", "check",
+                                "correction", "backups", "restore"}) {
         for (const char* option : {"--help", "-h"}) {
             EXPECT_EQ(run(words(command) + words(option)), Companion::Succeeded) << command;
             const QByteArray text = m_recorded.out();
@@ -58,8 +58,8 @@ TEST_F(CompanionUse, IsExplainedByHelpOfEachCommandWithoutAnyCamera)
 
 TEST_F(CompanionUse, FitsItsHelpIntoALineOf79Characters)
 {
-    for (const char* command :
-         {"", "cameras", "read", "survey", "detect", "write", "check", "correction"}) {
+    for (const char* command : {"", "cameras", "read", "survey", "detect", "write", "check",
+                                "correction", "backups", "restore"}) {
         run(words(command) + words("--help"));
     }
     for (const QByteArray& line : m_recorded.out().split('\n')) {
