@@ -43,7 +43,7 @@ protected:
 TEST_F(CompanionUse, IsExplainedByHelpOfEachCommandWithoutAnyCamera)
 {
     for (const char* command : {"", "cameras", "read", "survey", "detect", "write", "check",
-                                "correction", "convert", "diff", "merge"}) {
+                                "correction", "backups", "restore", "convert", "diff", "merge"}) {
         for (const char* option : {"--help", "-h"}) {
             EXPECT_EQ(run(words(command) + words(option)), Companion::Succeeded) << command;
             const QByteArray text = m_recorded.out();
@@ -59,7 +59,7 @@ TEST_F(CompanionUse, IsExplainedByHelpOfEachCommandWithoutAnyCamera)
 TEST_F(CompanionUse, FitsItsHelpIntoALineOf79Characters)
 {
     for (const char* command : {"", "cameras", "read", "survey", "detect", "write", "check",
-                                "correction", "convert", "diff", "merge"}) {
+                                "correction", "backups", "restore", "convert", "diff", "merge"}) {
         run(words(command) + words("--help"));
     }
     for (const QByteArray& line : m_recorded.out().split('\n')) {
