@@ -193,7 +193,7 @@ void Camera::loadSettings()
     if (m_settingsResult == camera::FileNotOpened) {
         emit displayError(tr("Can't open ini file."), NoticeMsec);
     } else if (m_settingsResult != 0) {
-        emit displayError(QString::fromLatin1(errorText(m_settingsResult)), NoticeMsec);
+        emit displayError(errorMessage(m_settingsResult), NoticeMsec);
     }
 }
 
@@ -252,18 +252,29 @@ double Camera::getFramerate() const
     return framesPerSecond;
 }
 
-const char* Camera::errorText(int code) const
+const char* Camera::sdkText(int code) const
 {
     std::int32_t sdkCode = code;
     char* text = nullptr;
-    const bool known = m_sdk.getError(m_handle, &sdkCode, &text) == 0 && text != nullptr;
-    return known ? text : "Unknown error.";
+    return m_sdk.getError(m_handle, &sdkCode, &text) == 0 ? text : nullptr;
+}
+
+const char* Camera::errorText(int code) const
+{
+    const char* const text = sdkText(code);
+    return text != nullptr ? text : "Unknown error.";
+}
+
+QString Camera::errorMessage(int code) const
+{
+    const char* const text = sdkText(code);
+    return text != nullptr ? QString::fromLatin1(text) : tr("Unknown error.");
 }
 
 void Camera::check(int result) const
 {
     if (result != 0) {
-        throw std::runtime_error(QString::fromLatin1(errorText(result)).toStdString());
+        throw std::runtime_error(errorMessage(result).toStdString());
     }
 }
 
@@ -316,7 +327,7 @@ void Camera::takeFrame()
     ++m_frameCount;
     char* memory = nullptr;
     if (const int result = m_sdk.getFrameMemory(m_handle, 0, 0, &memory); result != 0) {
-        emit displayError(QString::fromLatin1(errorText(result)), NoticeMsec);
+        emit displayError(errorMessage(result), NoticeMsec);
         return;
     }
     m_image = QImage(reinterpret_cast<uchar*>(memory), imageWidth(), imageHeight(), m_imageFormat);

@@ -80,6 +80,9 @@ public:
     /// The SDK's text for @p code, or "Unknown error."; valid until the next call of the SDK.
     [[nodiscard]] const char* errorText(int code) const;
 
+    /// The same for people, whose language the words "Unknown error." are in.
+    [[nodiscard]] QString errorMessage(int code) const;
+
     /// The "Dev" number of the open camera, 0 when none is open.
     [[nodiscard]] unsigned int cameraId() const { return m_cameraId; }
 
@@ -166,6 +169,7 @@ private:
     void applyPixelclock(int value);
     void sendCorrectionCommands(int first, int second);
     void check(int result) const;
+    [[nodiscard]] const char* sdkText(int code) const;
 
     CameraSdk& m_sdk;
     std::unique_ptr<EventThread> m_frameThread;

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "cli/CameraSession.h"
 
-#include "camera/CameraListModel.h"
 #include "cli/Command.h"
 #include "cli/Console.h"
 #include "cli/Interruption.h"
@@ -12,6 +11,15 @@
 #include <utility>
 
 namespace {
+
+/// As CameraListModel::statusText() has it for people.
+const char* statusWord(const CameraItem& camera)
+{
+    if (camera.status == 0) {
+        return "free";
+    }
+    return camera.opened ? "opened" : "in use";
+}
 
 constexpr auto SettingsFile = "./VornHotpixelEditor.ini"; ///< as Camera::open() loads it
 
@@ -30,7 +38,7 @@ QJsonObject cli::cameraObject(const CameraItem& camera)
             {QStringLiteral("dev"), static_cast<qint64>(camera.devId)},
             {QStringLiteral("model"), camera.model},
             {QStringLiteral("serNo"), camera.serNo},
-            {QStringLiteral("status"), CameraListModel::statusText(camera)}};
+            {QStringLiteral("status"), QLatin1String(statusWord(camera))}};
 }
 
 CameraItem cli::chooseCamera(const QList<CameraItem>& cameras, const QString& name)

@@ -4,6 +4,7 @@
 #include "darkframes/FrameError.h"
 
 #include <QByteArrayList>
+#include <QCoreApplication>
 #include <QHash>
 
 #include <algorithm>
@@ -13,8 +14,13 @@
 
 namespace {
 
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(FitsHeader)
+};
+
 using darkframes::refuse;
-using darkframes::translated;
 
 constexpr qint64 CardBytes = 80;
 constexpr qint64 BlockBytes = 2880;
@@ -81,7 +87,7 @@ public:
                 return std::nullopt;
             }
             if (block.size() < BlockBytes) {
-                refuse(fileName, translated("truncated"));
+                refuse(fileName, Text::tr("truncated"));
             }
             for (qint64 start = 0; start < BlockBytes; start += CardBytes) {
                 const QByteArray card = block.mid(start, CardBytes);
@@ -131,7 +137,7 @@ private:
     {
         const auto isText = [](char letter) { return letter >= ' ' && letter <= '~'; };
         if (!std::all_of(card.begin(), card.end(), isText)) {
-            refuse(m_fileName, translated("damaged (a header that is no text)"));
+            refuse(m_fileName, Text::tr("damaged (a header that is no text)"));
         }
         m_names.append(name);
         const QByteArray value = valueOf(card);
@@ -142,14 +148,14 @@ private:
         } else if (isMeasure(name)) {
             // CFITSIO takes one of the two, and which depends on where it began to look.
             if (m_values.contains(name)) {
-                refuse(m_fileName, translated("damaged (%1 stands twice)").arg(textOf(name)));
+                refuse(m_fileName, Text::tr("damaged (%1 stands twice)").arg(textOf(name)));
             }
             m_values.insert(name, value);
         } else if (isFactor(name)) {
             bool isNumber = false;
             const double factor = QByteArray(value).replace('D', 'E').toDouble(&isNumber);
             if (!isNumber) {
-                refuse(m_fileName, translated("damaged (%1 is no number)").arg(textOf(name)));
+                refuse(m_fileName, Text::tr("damaged (%1 is no number)").arg(textOf(name)));
             }
             if (name.startsWith("ZVAL") && !(factor >= 1)) {
                 m_smallParameter = name;
@@ -172,7 +178,7 @@ private:
         for (qsizetype index = 0; index < needed.size(); ++index) {
             if (m_names.value(index + 1) != needed[index]) {
                 refuse(m_fileName,
-                       translated("damaged (%1 is not in its place)").arg(textOf(needed[index])));
+                       Text::tr("damaged (%1 is not in its place)").arg(textOf(needed[index])));
             }
         }
         (void)dataBytes();
@@ -193,13 +199,13 @@ private:
             pixels = product(pixels, number(tile, 1, length, index == 1 ? length : 1));
         }
         if (pixels > MostAxisLength) {
-            refuse(m_fileName, translated("damaged (%1 is out of range)").arg(textOf("ZTILE1")));
+            refuse(m_fileName, Text::tr("damaged (%1 is out of range)").arg(textOf("ZTILE1")));
         }
         (void)number("ZDITHER0", 1, MostDitherSeed, 1);
         // The parameters of this compression are sizes, which CFITSIO divides by.
         if (m_isRice && !m_smallParameter.isEmpty()) {
             refuse(m_fileName,
-                   translated("damaged (%1 is out of range)").arg(textOf(m_smallParameter)));
+                   Text::tr("damaged (%1 is out of range)").arg(textOf(m_smallParameter)));
         }
     }
 
@@ -218,10 +224,10 @@ private:
         bool isNumber = false;
         const qint64 value = found->toLongLong(&isNumber);
         if (!isNumber) {
-            refuse(m_fileName, translated("damaged (%1 is no number)").arg(textOf(name)));
+            refuse(m_fileName, Text::tr("damaged (%1 is no number)").arg(textOf(name)));
         }
         if (value < least || value > most) {
-            refuse(m_fileName, translated("damaged (%1 is out of range)").arg(textOf(name)));
+            refuse(m_fileName, Text::tr("damaged (%1 is out of range)").arg(textOf(name)));
         }
         return value;
     }
@@ -252,7 +258,7 @@ void darkframes::checkFitsHeaders(const QString& fileName, QIODevice& content)
         const bool isWanted = header->isImageWithTwoAxes();
         // Of an image that is not compressed the reader compares the size itself, and says it.
         if (!(isWanted && !header->isCompressed()) && header->dataBytes() > rest) {
-            refuse(fileName, translated("truncated"));
+            refuse(fileName, Text::tr("truncated"));
         }
         if (isWanted) {
             return;

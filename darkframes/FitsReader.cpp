@@ -8,6 +8,7 @@
 #include "darkframes/RiceStream.h"
 
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 #include <QtEndian>
@@ -20,8 +21,13 @@
 
 namespace {
 
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(FitsReader)
+};
+
 using darkframes::refuse;
-using darkframes::translated;
 
 constexpr double GreatestValue = 65535;
 
@@ -30,7 +36,7 @@ constexpr int MostParameters = 6;
 
 QString badValues()
 {
-    return translated("holds values that are not whole numbers from 0 to 65535");
+    return Text::tr("holds values that are not whole numbers from 0 to 65535");
 }
 
 /// An open FITS file, which it closes.
@@ -87,7 +93,7 @@ public:
         QImage image(static_cast<int>(m_axes[0]), static_cast<int>(m_axes[1]),
                      type == BYTE_IMG ? QImage::Format_Grayscale8 : QImage::Format_Grayscale16);
         if (image.isNull()) {
-            refuse(m_fileName, translated("not enough memory"));
+            refuse(m_fileName, Text::tr("not enough memory"));
         }
         switch (type) {
         case BYTE_IMG:
@@ -111,14 +117,14 @@ private:
             return;
         }
         if (m_status == END_OF_FILE || m_status == READ_ERROR || m_status == SEEK_ERROR) {
-            refuse(m_fileName, translated("truncated"));
+            refuse(m_fileName, Text::tr("truncated"));
         }
         if (m_status == NUM_OVERFLOW) {
             refuse(m_fileName, badValues());
         }
         std::array<char, FLEN_STATUS> text{};
         fits_get_errstatus(m_status, text.data());
-        refuse(m_fileName, translated("damaged (%1)").arg(QString::fromLatin1(text.data())));
+        refuse(m_fileName, Text::tr("damaged (%1)").arg(QString::fromLatin1(text.data())));
     }
 
     /// Goes to the first image with two axes.
@@ -147,7 +153,7 @@ private:
         if (m_status != END_OF_FILE) {
             check();
         }
-        refuse(m_fileName, translated("holds no image with two axes"));
+        refuse(m_fileName, Text::tr("holds no image with two axes"));
     }
 
     void checkSize()
@@ -175,14 +181,14 @@ private:
         const auto most = static_cast<LONGLONG>(rest);
         if (rowBytes < 0 || rows < 0 || heapBytes < 0 || heapBytes > most ||
             (rowBytes > 0 && rows > (most - heapBytes) / rowBytes)) {
-            refuse(m_fileName, translated("truncated"));
+            refuse(m_fileName, Text::tr("truncated"));
         }
         const LONGLONG tileColumns = number("ZTILE1", m_axes[0]);
         const LONGLONG tileRows = number("ZTILE2", 1);
         const LONGLONG across = (m_axes[0] + tileColumns - 1) / tileColumns;
         const LONGLONG down = (m_axes[1] + tileRows - 1) / tileRows;
         if (rows != across * down) {
-            refuse(m_fileName, translated("damaged (tiles are missing)"));
+            refuse(m_fileName, Text::tr("damaged (tiles are missing)"));
         }
         for (const char* column :
              {"COMPRESSED_DATA", "GZIP_COMPRESSED_DATA", "UNCOMPRESSED_DATA"}) {
@@ -301,7 +307,7 @@ private:
         return fallback;
     }
 
-    [[noreturn]] void refuseTile() const { refuse(m_fileName, translated("damaged (a tile)")); }
+    [[noreturn]] void refuseTile() const { refuse(m_fileName, Text::tr("damaged (a tile)")); }
 
     /// As many values of a tile as there is room for, as they stand in the file.
     template <typename Values>
@@ -338,7 +344,7 @@ private:
                         &m_status);
         check();
         if (anyUndefined != 0) {
-            refuse(m_fileName, translated("holds undefined pixels"));
+            refuse(m_fileName, Text::tr("holds undefined pixels"));
         }
     }
 

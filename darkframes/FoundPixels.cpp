@@ -20,7 +20,7 @@ FoundPixel measured(const DarkStack& stack, const PixelPosition& position,
     const std::size_t index = std::size_t{position.y} * stack.info().width + position.x;
     FoundPixel pixel;
     pixel.position = position;
-    pixel.plane = planes[mosaic.planeOf(position.x, position.y)].name;
+    pixel.plane = planes[mosaic.planeOf(position.x, position.y)];
     pixel.mean = static_cast<double>(stack.sums()[index]) / stack.frameCount();
     pixel.temporalNoise = std::sqrt(stack.variance(index));
     pixel.greatest = stack.greatest(index);
@@ -103,8 +103,8 @@ QByteArray darkframes::foundPixelsCsv(std::span<const FoundPixel> pixels)
     QByteArray text = "x,y,plane,mean,temporalNoise,greatest,class\n";
     for (const FoundPixel& pixel : pixels) {
         text += QByteArray::number(pixel.position.x) + ',' + QByteArray::number(pixel.position.y) +
-                ',' + pixel.plane.toUtf8() + ',' + QByteArray::number(pixel.mean, 'g', 10) + ',' +
-                QByteArray::number(pixel.temporalNoise, 'g', 10) + ',' +
+                ',' + pixel.plane.name.toUtf8() + ',' + QByteArray::number(pixel.mean, 'g', 10) +
+                ',' + QByteArray::number(pixel.temporalNoise, 'g', 10) + ',' +
                 QByteArray::number(pixel.greatest) + ',' + className(pixel.foundClass).toLatin1() +
                 '\n';
     }

@@ -22,7 +22,7 @@ enum class FoundClass {
 struct FoundPixel
 {
     PixelPosition position;
-    QString plane;
+    SensorPlane plane;
     double mean = 0;
     double temporalNoise = 0;
     std::uint16_t greatest = 0;

@@ -4,12 +4,19 @@
 #include "darkframes/FrameError.h"
 #include "darkframes/FrameSize.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QtEndian>
 
 #include <zlib.h>
 
 namespace {
+
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(GzipFile)
+};
 
 constexpr qint64 LeastBytes = 18; ///< of header and trailer
 
@@ -60,12 +67,12 @@ QByteArray darkframes::unpackGzipFile(const QString& fileName)
         refuse(fileName, file.errorString());
     }
     if (file.size() < LeastBytes || !file.seek(file.size() - 4)) {
-        refuse(fileName, translated("truncated"));
+        refuse(fileName, Text::tr("truncated"));
     }
     const QByteArray trailer = file.read(4);
     const auto bytes = trailer.size() == 4 ? qFromLittleEndian<quint32>(trailer.constData()) : 0U;
     if (bytes > static_cast<quint64>(file.size()) * DeflateRatio) {
-        refuse(fileName, translated("truncated or damaged"));
+        refuse(fileName, Text::tr("truncated or damaged"));
     }
     QByteArray content(static_cast<qsizetype>(bytes), Qt::Uninitialized);
     Inflation inflation(content);
@@ -75,7 +82,7 @@ QByteArray darkframes::unpackGzipFile(const QString& fileName)
         inflation.feed(file.read(PieceBytes));
     }
     if (!inflation.isComplete()) {
-        refuse(fileName, translated("truncated or damaged"));
+        refuse(fileName, Text::tr("truncated or damaged"));
     }
     return content;
 }

@@ -32,13 +32,13 @@ TEST(FoundPixels, AreMeasured)
     const auto pixels = found({}, {});
     ASSERT_EQ(pixels.size(), 4U);
     EXPECT_EQ(pixels[0].position, (PixelPosition{2, 0}));
-    EXPECT_EQ(pixels[0].plane, "R");
+    EXPECT_EQ(pixels[0].plane.name, "R");
     EXPECT_EQ(pixels[0].mean, 100.5);
     EXPECT_DOUBLE_EQ(pixels[0].temporalNoise, std::sqrt(0.5));
     EXPECT_EQ(pixels[0].greatest, 101);
     EXPECT_EQ(pixels[0].foundClass, FoundClass::New);
     EXPECT_TRUE(pixels[0].isClustered);
-    EXPECT_EQ(pixels[2].plane, "B");
+    EXPECT_EQ(pixels[2].plane.name, "B");
     EXPECT_FALSE(pixels[2].isClustered);
     EXPECT_EQ(pixels[3].position, (PixelPosition{5, 1}));
     EXPECT_EQ(pixels[3].foundClass, FoundClass::Flickering);
