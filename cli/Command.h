@@ -20,7 +20,7 @@ struct CameraShare;
 
 namespace cli {
 
-/// What ends a command with one line on standard error and status 1.
+/// What ends a command with one line on standard error and its status for failures.
 class CommandError : public std::runtime_error
 {
 public:
@@ -48,6 +48,7 @@ struct CommandContext
     bool json;                    ///< results for machines
     QString commandLine = {};     ///< how the program was called, to be repeated in a shell
     CameraShare* share = nullptr; ///< the camera whose turn it is; null unless there are several
+    int status = 0; ///< what a command that has done its work lets the program end with
 };
 
 /// One sub-command of the companion.
@@ -77,6 +78,7 @@ struct Command
     /// Whoever has several, or "all", is run for each of them, with its name in their place.
     qsizetype (*cameras)(const QStringList& values, const QCommandLineParser& parser) =
         [](const auto&, const auto&) { return qsizetype{0}; };
+    int failedStatus = 1; ///< what the program ends with when the command fails
 };
 
 namespace cli {

@@ -24,7 +24,10 @@
     COMMAND(check)                                                                                 \
     COMMAND(correction)                                                                            \
     COMMAND(backups)                                                                               \
-    COMMAND(restore)
+    COMMAND(restore)                                                                               \
+    COMMAND(convert)                                                                               \
+    COMMAND(diff)                                                                                  \
+    COMMAND(merge)
 
 namespace cli::commands {
 
@@ -95,10 +98,12 @@ int Companion::run(const QStringList& arguments)
 {
     m_program = QFileInfo(arguments.value(0)).completeBaseName();
     m_commandLine = commandLineOf(QStringList(m_program) + arguments.mid(1));
+    m_failedStatus = CommandFailed;
     int status = dispatch(arguments.mid(1));
-    if (!m_console.flush() && status == Succeeded) {
+    // A status that says something else than that all is well may be a result itself.
+    if (!m_console.flush() && status != m_failedStatus && status != WrongUse) {
         m_console.notice(tr("%1: Can't write the results.").arg(m_program));
-        status = CommandFailed;
+        status = m_failedStatus;
     }
     return status;
 }
@@ -117,8 +122,8 @@ int Companion::dispatch(const QStringList& arguments)
             helpCommand += u' ' + command->name;
             QStringList rest = arguments;
             rest.removeAt(word - arguments.begin());
-            runCommand(*command, rest);
-            return Succeeded;
+            m_failedStatus = command->failedStatus;
+            return runCommand(*command, rest);
         }
         if (word != arguments.end()) {
             throw cli::UsageError(tr("There is no command \"%1\".").arg(*word));
@@ -131,7 +136,7 @@ int Companion::dispatch(const QStringList& arguments)
         return WrongUse;
     } catch (const std::exception& error) {
         m_console.notice(m_program + QStringLiteral(": ") + QString::fromUtf8(error.what()));
-        return CommandFailed;
+        return m_failedStatus;
     }
 }
 
@@ -161,14 +166,14 @@ void Companion::runWithoutCommand(const QStringList& arguments)
     }
 }
 
-void Companion::runCommand(const Command& command, const QStringList& arguments)
+int Companion::runCommand(const Command& command, const QStringList& arguments)
 {
     QCommandLineParser parser;
     parser.addOptions(command.options(m_switches));
     parser.setApplicationDescription(command.description);
     const QStringList usage = QStringList{m_program, command.name} + command.arguments;
     if (!parse(parser, usage.join(u' ') + u' ' + tr("[options]"), arguments)) {
-        return;
+        return Succeeded;
     }
     const QStringList values = parser.positionalArguments();
     checkCount(values, command.arguments);
@@ -192,6 +197,7 @@ void Companion::runCommand(const Command& command, const QStringList& arguments)
     } else {
         command.run(values, parser, context);
     }
+    return context.status;
 }
 
 bool Companion::parse(QCommandLineParser& parser, const QString& usage,

@@ -11,6 +11,7 @@
 #include "cli/GuardedWrite.h"
 #include "cli/ListFiles.h"
 #include "cli/LiveDetection.h"
+#include "cli/PixelListFiles.h"
 #include "cli/SeveralCameras.h"
 #include "cli/SurveyOptions.h"
 #include "detection/DetectionRun.h"
@@ -77,8 +78,9 @@ private:
         bool clear;
         bool write;
         bool save;
-        QString fileName; ///< to save the list to
-        QString csvFile;  ///< and others; empty for none
+        QString fileName;              ///< to save the list to
+        const PixelListFormat* format; ///< which it gets
+        QString csvFile;               ///< and others; empty for none
         QString reportFile;
         QString frameFolder;
     };
@@ -101,16 +103,18 @@ private:
     static void readLists(Camera& camera, BadpixelListModel& list);
     static Known knownIn(const BadpixelListModel& list, bool clear);
     static void run(CameraSession& session, BadpixelListModel& list, const Settings& settings,
-                    const Known& known, CommandContext& context, Report& report);
+                    const Known& known, PixelValues& means, CommandContext& context,
+                    Report& report);
     static LiveDetection::Result findIn(const DarkFrames& frames, BadpixelListModel& list,
                                         const Settings& settings, const Known& known,
-                                        const CommandContext& context, Report& report);
+                                        PixelValues& means, const CommandContext& context,
+                                        Report& report);
 
     static void reportResult(const LiveDetection::Result& result, Report& report);
     static void reportFound(bool isBayer, std::span<const BadpixelEntry> found, const HotRule& rule,
                             const Settings& settings, Report& report);
     static void saveList(const Settings& settings, std::span<const BadpixelEntry> entries,
-                         std::size_t count, Report& report);
+                         std::size_t count, const ListWriting& writing, Report& report);
 };
 
 QList<QCommandLineOption> DetectCommand::options(const std::vector<SdkSwitch>& switches)
@@ -130,6 +134,7 @@ QList<QCommandLineOption> DetectCommand::options(const std::vector<SdkSwitch>& s
         {QLatin1String(OutOption),
          tr("Save the user entries, known and new, to the list file FILE."),
          QStringLiteral("FILE")},
+        cli::outputFormatOption(),
         {QLatin1String(CsvOption),
          tr("Save what was found, and what the frames say about it, as a table."),
          QStringLiteral("FILE")},
@@ -170,6 +175,8 @@ DetectCommand::Settings DetectCommand::settingsOf(const QCommandLineParser& pars
         .write = parser.isSet(QLatin1String(WriteOption)),
         .save = parser.isSet(QLatin1String(OutOption)),
         .fileName = cli::outputName(parser, OutOption, QStringLiteral(".txt"), context),
+        .format = &cli::outputFormat(
+            cli::outputName(parser, OutOption, QStringLiteral(".txt"), context), parser),
         .csvFile = cli::outputName(parser, CsvOption, QStringLiteral(".csv"), context),
         .reportFile = cli::outputName(parser, ReportOption, QStringLiteral(".html"), context),
         .frameFolder = cli::outputName(parser, SaveFramesOption, {}, context)};
@@ -179,9 +186,11 @@ DetectCommand::Settings DetectCommand::settingsOf(const QCommandLineParser& pars
     } else if (cli::isDryRun(parser)) {
         throw cli::UsageError(tr("--dry-run shows what --write would do, which is missing."));
     }
-    for (const auto& [option, fileName] : {std::pair(OutOption, settings.fileName),
-                                           {CsvOption, settings.csvFile},
-                                           {ReportOption, settings.reportFile}}) {
+    if (settings.save) {
+        cli::checkListOutput(settings.fileName, *settings.format);
+    }
+    for (const auto& [option, fileName] :
+         {std::pair(CsvOption, settings.csvFile), {ReportOption, settings.reportFile}}) {
         if (parser.isSet(QLatin1String(option))) {
             cli::checkOutputFile(fileName);
         }
@@ -221,18 +230,20 @@ void DetectCommand::detectInFiles(const QStringList& values, const Settings& set
     cli::reportFiles(frames, report);
     cli::reportRule(rule, report);
 
+    ListWriting writing{.size = {static_cast<int>(frames.stack.info().width),
+                                 static_cast<int>(frames.stack.info().height)}};
     BadpixelListModel list;
     list.setMaxUserEntries(std::numeric_limits<int>::max());
     if (settings.likeEditor) {
         cli::detectLikeEditor(frames, static_cast<int>(rule.threshold), list);
     } else {
-        reportResult(findIn(frames, list, settings, {}, context, report), report);
+        reportResult(findIn(frames, list, settings, {}, writing.values, context, report), report);
     }
     report.insert("outcome", outcomeWord(LiveDetection::Outcome::Found));
     reportFound(frames.mosaic.isBayer(), list.entries(), rule, settings, report);
     cli::noteEntriesBeside(list.entries(), static_cast<int>(frames.stack.info().width),
                            context.console);
-    saveList(settings, list.entries(), list.entries().size(), report);
+    saveList(settings, list.entries(), list.entries().size(), writing, report);
 }
 
 void DetectCommand::detectWithCamera(const QString& name, const Settings& settings,
@@ -250,7 +261,9 @@ void DetectCommand::detectWithCamera(const QString& name, const Settings& settin
 
     // The run itself clears the list, so what is known is counted as it will find it.
     const Known known = knownIn(list, settings.clear);
-    run(session, list, settings, known, context, report);
+    ListWriting writing{.size = {session.camera().imageWidth(), session.camera().imageHeight()},
+                        .camera = session.description().model};
+    run(session, list, settings, known, writing.values, context, report);
     const std::size_t before = known.factory.size() + known.user.size();
     const std::span<const BadpixelEntry> found = list.entries().subspan(before);
     report.line(tr("Already known: %1 in the factory list, %2 in the user list")
@@ -265,7 +278,7 @@ void DetectCommand::detectWithCamera(const QString& name, const Settings& settin
     if (!settings.write) {
         cli::noteEntriesBeside(list.entries(), session.camera().imageWidth(), context.console);
     }
-    saveList(settings, list.entries(), known.user.size() + found.size(), report);
+    saveList(settings, list.entries(), known.user.size() + found.size(), writing, report);
     if (settings.write) {
         cli::writeUserEntries(session, list.entries(), parser, context, report);
     }
@@ -291,7 +304,8 @@ DetectCommand::Known DetectCommand::knownIn(const BadpixelListModel& list, bool 
 }
 
 void DetectCommand::run(CameraSession& session, BadpixelListModel& list, const Settings& settings,
-                        const Known& known, CommandContext& context, Report& report)
+                        const Known& known, PixelValues& means, CommandContext& context,
+                        Report& report)
 {
     const int skippedFrames = settings.capture.skippedFrames();
     const int images = skippedFrames + DetectionRun::FrameCount + 1;
@@ -322,8 +336,8 @@ void DetectCommand::run(CameraSession& session, BadpixelListModel& list, const S
             if (settings.clear) {
                 list.clearUserBadpixelList();
             }
-            result =
-                findIn(cli::darkFramesOf(session, frames), list, settings, known, context, report);
+            result = findIn(cli::darkFramesOf(session, frames), list, settings, known, means,
+                            context, report);
         }
     }
     report.insert("outcome", outcomeWord(result.outcome));
@@ -332,7 +346,8 @@ void DetectCommand::run(CameraSession& session, BadpixelListModel& list, const S
 
 LiveDetection::Result DetectCommand::findIn(const DarkFrames& frames, BadpixelListModel& list,
                                             const Settings& settings, const Known& known,
-                                            const CommandContext& context, Report& report)
+                                            PixelValues& means, const CommandContext& context,
+                                            Report& report)
 {
     const HotRule rule = cli::ruleFor(settings.rule, frames.stack.info().bitsPerPixel);
     const cli::ExactDetection detection(frames, rule, settings.flickering);
@@ -341,6 +356,10 @@ LiveDetection::Result DetectCommand::findIn(const DarkFrames& frames, BadpixelLi
     // What is too much for a camera is worth a look, too.
     const std::vector<FoundPixel> pixels = darkframes::foundPixels(
         frames.stack, detection.survey, detection.findings, known.factory, known.user);
+    for (const FoundPixel& pixel : pixels) {
+        means.insert_or_assign({pixel.position.x, pixel.position.y},
+                               static_cast<float>(pixel.mean));
+    }
     if (!settings.csvFile.isEmpty()) {
         cli::saveTextFile(settings.csvFile, darkframes::foundPixelsCsv(pixels));
         report.insert("csv", settings.csvFile);
@@ -391,14 +410,17 @@ void DetectCommand::reportFound(bool isBayer, std::span<const BadpixelEntry> fou
 }
 
 void DetectCommand::saveList(const Settings& settings, std::span<const BadpixelEntry> entries,
-                             std::size_t count, Report& report)
+                             std::size_t count, const ListWriting& writing, Report& report)
 {
     if (!settings.save) {
         return;
     }
-    cli::saveOutputFile(settings.fileName, entries);
-    report.insert("saved", settings.fileName);
+    const QString account =
+        cli::saveUserEntries(settings.fileName, *settings.format, entries, writing, report);
     report.line(tr("Saved to %1: %2").arg(settings.fileName, cli::entryCount(count)));
+    if (!account.isEmpty()) {
+        report.line(account);
+    }
 }
 
 } // namespace

@@ -134,7 +134,7 @@ void openIn(const QString& folder, QTemporaryFile& file)
 
 } // namespace
 
-std::vector<BadpixelEntry> readUserListFile(const QString& fileName)
+void openListFile(const QString& fileName, QFile& file)
 {
     const QFileInfo info(fileName);
     if (info.isDir()) {
@@ -144,11 +144,17 @@ std::vector<BadpixelEntry> readUserListFile(const QString& fileName)
     if (info.exists() && !info.isFile()) {
         throw CommandError(ListFiles::tr("%1 is not a file.").arg(fileName));
     }
-    QFile file(fileName);
+    file.setFileName(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
         throw CommandError(ListFiles::tr("Can't open file for reading. (%1: %2)")
                                .arg(fileName, file.errorString()));
     }
+}
+
+std::vector<BadpixelEntry> readUserListFile(const QString& fileName)
+{
+    QFile file;
+    openListFile(fileName, file);
     if (file.size() > MaxFileSize) {
         throw CommandError(ListFiles::tr("%1 is too large to be a list file.").arg(fileName));
     }
@@ -216,6 +222,11 @@ void checkOutputFile(const QString& fileName)
             ListFiles::tr("Can't save to %1: there is no such folder.").arg(fileName));
     }
     namingTheFile(fileName, [&] { hotpixel::checkListFile(fileName); });
+}
+
+void saveOutputFile(const QString& fileName, const QByteArray& content)
+{
+    namingTheFile(fileName, [&] { hotpixel::writeFile(fileName, content); });
 }
 
 void saveOutputFile(const QString& fileName, std::span<const BadpixelEntry> entries)

@@ -5,7 +5,7 @@
 #include "cli/Command.h"
 #include "cli/Console.h"
 #include "cli/EntryText.h"
-#include "cli/ListFiles.h"
+#include "cli/PixelListFiles.h"
 #include "cli/SeveralCameras.h"
 #include "hotpixel/CameraLists.h"
 
@@ -24,7 +24,8 @@ public:
     static QList<QCommandLineOption> options(const std::vector<SdkSwitch>& /*switches*/)
     {
         return {{QLatin1String(OutOption), tr("Save the user list to the list file FILE."),
-                 QStringLiteral("FILE")}};
+                 QStringLiteral("FILE")},
+                cli::outputFormatOption()};
     }
 
     static void run(const QStringList& values, const QCommandLineParser& parser,
@@ -33,8 +34,9 @@ public:
         const QString fileName =
             cli::outputName(parser, OutOption, QStringLiteral(".txt"), context);
         const bool save = parser.isSet(QLatin1String(OutOption));
+        const PixelListFormat& format = cli::outputFormat(fileName, parser);
         if (save) {
-            cli::checkOutputFile(fileName);
+            cli::checkListOutput(fileName, format);
         }
 
         CameraSession session(context, values.front());
@@ -42,10 +44,6 @@ public:
         const int capacity = lists.maxUserEntries();
         const std::vector<BadpixelEntry> factory = lists.factoryEntries();
         const std::vector<BadpixelEntry> user = lists.userEntries();
-        if (save) {
-            cli::saveOutputFile(fileName, user);
-        }
-
         Report report(context);
         const auto list = [&report](const char* key, const QString& title,
                                     const std::vector<BadpixelEntry>& entries) {
@@ -63,8 +61,14 @@ public:
              tr("User list: %1, at most %2").arg(cli::entryCount(user.size())).arg(capacity), user);
         report.setSummary(tr("%1 factory, %2 user").arg(factory.size()).arg(user.size()));
         if (save) {
-            report.insert("saved", fileName);
+            const QSize sensor(session.camera().imageWidth(), session.camera().imageHeight());
+            const QString account = cli::saveUserEntries(
+                fileName, format, user, {.size = sensor, .camera = session.description().model},
+                report);
             report.line(tr("User list saved to %1").arg(fileName));
+            if (!account.isEmpty()) {
+                report.line(account);
+            }
         }
     }
 };

@@ -36,10 +36,9 @@ public:
         }
     }
     [[nodiscard]] bool goesOn() const { return m_result == Z_OK; }
-    [[nodiscard]] bool isComplete() const
-    {
-        return m_result == Z_STREAM_END && m_stream.avail_out == 0;
-    }
+    [[nodiscard]] bool hasEnded() const { return m_result == Z_STREAM_END; }
+    /// Whether it has also filled the memory that it was given.
+    [[nodiscard]] bool isComplete() const { return hasEnded() && m_stream.avail_out == 0; }
 
 private:
     z_stream m_stream{};
@@ -79,4 +78,12 @@ QByteArray darkframes::unpackGzipFile(const QString& fileName)
         refuse(fileName, translated("truncated or damaged"));
     }
     return content;
+}
+
+bool darkframes::isWholeGzipStream(const QByteArray& packed, qsizetype mostBytes)
+{
+    QByteArray content(mostBytes, Qt::Uninitialized);
+    Inflation inflation(content);
+    inflation.feed(packed);
+    return inflation.hasEnded();
 }

@@ -5,7 +5,7 @@
 #include "cli/Interruption.h"
 #include "simulator/SimulatedCameraSdk.h"
 #include "tests/cli/RecordedConsole.h"
-#include "tests/faults/FaultyCameraSdk.h"
+#include "tests/sdk/FaultyCameraSdk.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>

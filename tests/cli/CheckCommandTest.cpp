@@ -2,7 +2,7 @@
 // `check` with a simulated camera.
 
 #include "camera/CameraSdk.h"
-#include "tests/cli/CameraBench.h"
+#include "tests/cli/CameraFixture.h"
 
 #include <QJsonArray>
 
@@ -11,7 +11,7 @@
 
 namespace {
 
-using Entries = CameraBench::Entries;
+using Entries = CameraFixture::Entries;
 
 /// A camera with a list that is right for --auto.
 class Check : public testing::Test
@@ -19,9 +19,9 @@ class Check : public testing::Test
 protected:
     void SetUp() override
     {
-        const auto made = m_bench.run(QStringLiteral("detect 1 --auto --clear --write --yes"));
+        const auto made = m_fixture.run(QStringLiteral("detect 1 --auto --clear --write --yes"));
         ASSERT_EQ(made.status, 0) << made.err.constData();
-        m_right = m_bench.user();
+        m_right = m_fixture.user();
         ASSERT_GE(m_right.size(), 4U);
     }
 
@@ -44,18 +44,18 @@ protected:
     /// Neither the list nor the correction has been changed.
     void expectUntouched(const Entries& list)
     {
-        EXPECT_EQ(m_bench.user(), list);
-        for (const std::int32_t command : m_bench.commands) {
+        EXPECT_EQ(m_fixture.user(), list);
+        for (const std::int32_t command : m_fixture.commands) {
             EXPECT_TRUE(command != camera::SetUserList && command != camera::DeleteUserList &&
                         command != camera::CorrectionOnFirst &&
                         command != camera::CorrectionOnSecond)
                 << command;
         }
-        EXPECT_EQ(m_bench.simulated().openCameras(), 0);
-        EXPECT_EQ(m_bench.simulated().imageMemories(), 0);
+        EXPECT_EQ(m_fixture.simulated().openCameras(), 0);
+        EXPECT_EQ(m_fixture.simulated().imageMemories(), 0);
     }
 
-    CameraBench m_bench;
+    CameraFixture m_fixture;
     Entries m_right;
 };
 
@@ -63,7 +63,7 @@ protected:
 
 TEST_F(Check, FindsAListRightThatWasJustMade)
 {
-    const auto checked = m_bench.run(QStringLiteral("check 1 --auto"));
+    const auto checked = m_fixture.run(QStringLiteral("check 1 --auto"));
     EXPECT_EQ(checked.status, 0) << checked.err.constData();
     EXPECT_EQ(checked.err, QByteArray());
     EXPECT_TRUE(checked.out.startsWith("Small, SerNo S1, Dev 1\nSensor: 64 × 48 pixels"));
@@ -77,7 +77,7 @@ TEST_F(Check, FindsAListRightThatWasJustMade)
 
 TEST_F(Check, TellsOfEachListedPixelWhetherItIsHotWithItsMean)
 {
-    const QJsonObject checked = m_bench.run(QStringLiteral("check 1 --auto --json")).json();
+    const QJsonObject checked = m_fixture.run(QStringLiteral("check 1 --auto --json")).json();
     const QJsonArray listed = checked[QStringLiteral("listed")].toArray();
     ASSERT_EQ(static_cast<std::size_t>(listed.size()), m_right.size() + 2);
     EXPECT_EQ(listed[0].toObject()[QStringLiteral("list")].toString(), QStringLiteral("factory"));
@@ -99,9 +99,9 @@ TEST_F(Check, EndsWithStatus1WhenAPixelIsNotHotAnyMoreAndAnotherIsNew)
     list.erase(list.begin());
     const BadpixelEntry cold{30, 21, UserPixel};
     list.push_back(cold);
-    m_bench.setUser(list);
+    m_fixture.setUser(list);
 
-    const auto checked = m_bench.run(QStringLiteral("check 1 --auto"));
+    const auto checked = m_fixture.run(QStringLiteral("check 1 --auto"));
     EXPECT_EQ(checked.status, 1);
     EXPECT_EQ(checked.err,
               QByteArray("vorn-hotpixel: The list needs work: 1 not hot any more, 1 new.\n"));
@@ -112,7 +112,7 @@ TEST_F(Check, EndsWithStatus1WhenAPixelIsNotHotAnyMoreAndAnotherIsNew)
         << checked.out.constData();
     EXPECT_TRUE(checked.out.contains("not hot\n"));
 
-    const QJsonObject object = m_bench.run(QStringLiteral("check 1 --auto --json")).json();
+    const QJsonObject object = m_fixture.run(QStringLiteral("check 1 --auto --json")).json();
     EXPECT_EQ(object[QStringLiteral("notHot")].toArray(), (QJsonArray{pair(cold)}));
     EXPECT_EQ(object[QStringLiteral("new")].toArray(), (QJsonArray{pair(missing)}));
     EXPECT_TRUE(object[QStringLiteral("needsWork")].toBool());
@@ -121,29 +121,29 @@ TEST_F(Check, EndsWithStatus1WhenAPixelIsNotHotAnyMoreAndAnotherIsNew)
 
 TEST_F(Check, TakesAThresholdOrDeviations)
 {
-    const auto high = m_bench.run(QStringLiteral("check 1 --auto --threshold 250 --json"));
+    const auto high = m_fixture.run(QStringLiteral("check 1 --auto --threshold 250 --json"));
     EXPECT_EQ(high.status, 1);
     EXPECT_GT(high.json()[QStringLiteral("notHot")].toArray().size(), 0);
     EXPECT_EQ(high.json()[QStringLiteral("new")].toArray().size(), 0);
-    const auto sigma = m_bench.run(QStringLiteral("check 1 --auto --sigma 20 --json"));
+    const auto sigma = m_fixture.run(QStringLiteral("check 1 --auto --sigma 20 --json"));
     EXPECT_EQ(sigma.json()[QStringLiteral("sigma")].toDouble(), 20);
-    EXPECT_EQ(m_bench.run(QStringLiteral("check 1 --sigma 2 --threshold 5")).status, 2);
+    EXPECT_EQ(m_fixture.run(QStringLiteral("check 1 --sigma 2 --threshold 5")).status, 2);
 }
 
 // Nobody can change the factory list.
 TEST_F(Check, NeedsNoWorkForAFactoryPixelThatIsNotHot)
 {
-    CameraDescription description = CameraBench::camera();
+    CameraDescription description = CameraFixture::camera();
     description.factoryEntries = 0;
     description.userEntries = 0;
     description.hotPixels = 0;
-    CameraBench bench(description);
-    bench.run(QStringLiteral("read 1"));
-    const QString fileName = bench.path(QStringLiteral("eeprom/S1.eeprom"));
+    CameraFixture fixture(description);
+    fixture.run(QStringLiteral("read 1"));
+    const QString fileName = fixture.path(QStringLiteral("eeprom/S1.eeprom"));
     EepromContent content = EepromFile(fileName).read();
     content.factory = {{7, 7}};
     EepromFile(fileName).write(content);
-    const auto checked = bench.run(QStringLiteral("check 1 --auto --json"));
+    const auto checked = fixture.run(QStringLiteral("check 1 --auto --json"));
     EXPECT_EQ(checked.status, 0) << checked.err.constData();
     EXPECT_EQ(statesOf(checked.json(), {7, 7}), QStringList(QStringLiteral("not hot")));
 }
@@ -153,12 +153,13 @@ TEST_F(Check, SaysWhichEntriesLieOutsideTheSensor)
     Entries list = m_right;
     list.push_back({64, 5, UserPixel});
     list.push_back({5, 65535, UserPixel});
-    m_bench.setUser(list);
-    const auto checked = m_bench.run(QStringLiteral("check 1 --auto --json"));
+    m_fixture.setUser(list);
+    const auto checked = m_fixture.run(QStringLiteral("check 1 --auto --json"));
     EXPECT_EQ(checked.status, 0) << checked.err.constData();
     EXPECT_EQ(statesOf(checked.json(), {64, 5}), QStringList(QStringLiteral("outside")));
     EXPECT_EQ(statesOf(checked.json(), {5, 65535}), QStringList(QStringLiteral("outside")));
-    EXPECT_TRUE(m_bench.run(QStringLiteral("check 1 --auto")).out.contains("outside the sensor 2"));
+    EXPECT_TRUE(
+        m_fixture.run(QStringLiteral("check 1 --auto")).out.contains("outside the sensor 2"));
 }
 
 TEST_F(Check, OfAFullListSaysWhatIsNew)
@@ -167,8 +168,8 @@ TEST_F(Check, OfAFullListSaysWhatIsNew)
     for (std::uint16_t y = 0; y < 20; ++y) {
         list.push_back({33, y, UserPixel});
     }
-    m_bench.setUser(list);
-    const auto checked = m_bench.run(QStringLiteral("check 1 --auto --json"));
+    m_fixture.setUser(list);
+    const auto checked = m_fixture.run(QStringLiteral("check 1 --auto --json"));
     EXPECT_EQ(checked.status, 1);
     EXPECT_GE(static_cast<std::size_t>(checked.json()[QStringLiteral("new")].toArray().size()),
               m_right.size() - 2);
@@ -177,7 +178,7 @@ TEST_F(Check, OfAFullListSaysWhatIsNew)
 
 TEST_F(Check, SaysThatAShortExposureShowsNothing)
 {
-    const auto checked = m_bench.run(QStringLiteral("check 1 --threshold 250"));
+    const auto checked = m_fixture.run(QStringLiteral("check 1 --threshold 250"));
     EXPECT_EQ(checked.status, 1);
     EXPECT_TRUE(checked.out.contains("is short: most hotpixels show in longer ones.\n"))
         << checked.out.constData();
@@ -187,9 +188,9 @@ TEST_F(Check, DrawsTheListIntoItsReport)
 {
     Entries list = m_right;
     list.push_back({30, 21, UserPixel});
-    m_bench.setUser(list);
-    EXPECT_EQ(m_bench.run(QStringLiteral("check 1 --auto --report DIR/page.html")).status, 1);
-    QFile page(m_bench.path(QStringLiteral("page.html")));
+    m_fixture.setUser(list);
+    EXPECT_EQ(m_fixture.run(QStringLiteral("check 1 --auto --report DIR/page.html")).status, 1);
+    QFile page(m_fixture.path(QStringLiteral("page.html")));
     ASSERT_TRUE(page.open(QIODevice::ReadOnly));
     const QByteArray html = page.readAll();
     EXPECT_TRUE(html.contains("in a list, but not hot: 1"));
@@ -198,34 +199,34 @@ TEST_F(Check, DrawsTheListIntoItsReport)
         html.contains("known: " + QByteArray::number(static_cast<int>(m_right.size()) + 1)))
         << "factory pixels may be faint";
     EXPECT_TRUE(html.contains("<pre>vorn-hotpixel check 1 --auto --report "));
-    EXPECT_EQ(m_bench.run(QStringLiteral("check 1 --report DIR/no/page.html")).status, 1);
+    EXPECT_EQ(m_fixture.run(QStringLiteral("check 1 --report DIR/no/page.html")).status, 1);
 }
 
 TEST_F(Check, EndsWithALineWhenTheCableIsPulled)
 {
-    const Entries list = m_bench.user();
+    const Entries list = m_fixture.user();
     for (const int frame : {1, 5, 11}) {
-        m_bench.onFrame = [&](int taken) {
+        m_fixture.onFrame = [&](int taken) {
             if (taken == frame) {
-                m_bench.control().setPlugged(false);
+                m_fixture.control().setPlugged(false);
             }
         };
-        const auto failed = m_bench.run(QStringLiteral("check 1"));
+        const auto failed = m_fixture.run(QStringLiteral("check 1"));
         EXPECT_EQ(failed.status, 1);
         // The last image may have been on its way already.
         if (frame < 11) {
             EXPECT_EQ(failed.err, QByteArray("vorn-hotpixel: The camera was unplugged.\n"));
         }
-        m_bench.control().setPlugged(true);
+        m_fixture.control().setPlugged(true);
         expectUntouched(list);
     }
-    m_bench.onFrame = [](int) {};
-    m_bench.onCommand = [&](std::int32_t command) {
+    m_fixture.onFrame = [](int) {};
+    m_fixture.onCommand = [&](std::int32_t command) {
         if (command == camera::GetUserList) {
-            m_bench.control().setPlugged(false);
+            m_fixture.control().setPlugged(false);
         }
     };
-    const auto failed = m_bench.run(QStringLiteral("check 1"));
+    const auto failed = m_fixture.run(QStringLiteral("check 1"));
     EXPECT_EQ(failed.status, 1);
     EXPECT_TRUE(failed.err.startsWith("vorn-hotpixel: Can't read the camera's user list"))
         << failed.err.constData();
@@ -233,13 +234,13 @@ TEST_F(Check, EndsWithALineWhenTheCableIsPulled)
 
 TEST_F(Check, EndsWithALineWhenItIsInterrupted)
 {
-    const Entries list = m_bench.user();
-    m_bench.onFrame = [&](int frame) {
+    const Entries list = m_fixture.user();
+    m_fixture.onFrame = [&](int frame) {
         if (frame == 3) {
-            m_bench.interruption().request();
+            m_fixture.interruption().request();
         }
     };
-    const auto ended = m_bench.run(QStringLiteral("check 1"));
+    const auto ended = m_fixture.run(QStringLiteral("check 1"));
     EXPECT_EQ(ended.status, 1);
     EXPECT_EQ(ended.err, QByteArray("vorn-hotpixel: Interrupted.\n"));
     expectUntouched(list);
@@ -247,10 +248,10 @@ TEST_F(Check, EndsWithALineWhenItIsInterrupted)
 
 TEST_F(Check, RefusesASceneThatIsNotDark)
 {
-    CameraDescription description = CameraBench::camera();
+    CameraDescription description = CameraFixture::camera();
     description.width = 320;
     description.height = 240;
-    CameraBench bright(description);
+    CameraFixture bright(description);
     bright.control().setCovered(false);
     const auto refused = bright.run(QStringLiteral("check 1"));
     EXPECT_EQ(refused.status, 1);
@@ -262,13 +263,13 @@ TEST_F(Check, RefusesASceneThatIsNotDark)
 TEST_F(Check, BelievesNoFramesOfACameraThatDoesNotSwitchItsCorrectionOff)
 {
     for (const int call : {1, 2}) {
-        m_bench.fault = SdkFault{SdkOperation::HotpixelCommand, call, false};
-        const auto refused = m_bench.run(QStringLiteral("check 1"));
+        m_fixture.fault = SdkFault{SdkOperation::HotpixelCommand, call, false};
+        const auto refused = m_fixture.run(QStringLiteral("check 1"));
         EXPECT_EQ(refused.status, 1);
         EXPECT_TRUE(refused.err.startsWith(
             "vorn-hotpixel: The camera's correction could not be switched off: "))
             << refused.err.constData();
-        EXPECT_EQ(m_bench.frames, 0);
+        EXPECT_EQ(m_fixture.frames, 0);
     }
 }
 
@@ -276,9 +277,9 @@ TEST_F(Check, BelievesNoFramesOfACameraThatDoesNotSwitchItsCorrectionOff)
 // of their own, since they take a command's whole patience.
 TEST_F(Check, ChangesNothingWhateverFails)
 {
-    const Entries list = m_bench.user();
-    m_bench.run(QStringLiteral("check 1"));
-    const auto calls = m_bench.calls;
+    const Entries list = m_fixture.user();
+    m_fixture.run(QStringLiteral("check 1"));
+    const auto calls = m_fixture.calls;
     int struck = 0;
     for (std::size_t i = 0; i < SdkOperationCount; ++i) {
         const auto operation = static_cast<SdkOperation>(i);
@@ -289,15 +290,15 @@ TEST_F(Check, ChangesNothingWhateverFails)
             if (call == 0) {
                 continue;
             }
-            m_bench.fault = SdkFault{operation, call, false};
-            const auto ended = m_bench.run(QStringLiteral("check 1"));
+            m_fixture.fault = SdkFault{operation, call, false};
+            const auto ended = m_fixture.run(QStringLiteral("check 1"));
             SCOPED_TRACE(testing::Message()
                          << name(operation) << ", call " << call << ": " << ended.err.data());
-            struck += m_bench.struck ? 1 : 0;
+            struck += m_fixture.struck ? 1 : 0;
             EXPECT_TRUE(ended.status == 0 || ended.status == 1);
             EXPECT_EQ(ended.status == 1, ended.err.contains("vorn-hotpixel: "));
-            EXPECT_EQ(m_bench.user(), list);
-            EXPECT_EQ(m_bench.simulated().openCameras(), 0);
+            EXPECT_EQ(m_fixture.user(), list);
+            EXPECT_EQ(m_fixture.simulated().openCameras(), 0);
         }
     }
     EXPECT_GT(struck, 30);

@@ -3,8 +3,8 @@
 
 #include "cli/Interruption.h"
 #include "darkframes/FrameFile.h"
-#include "tests/cli/EepromSdk.h"
 #include "tests/cli/RecordedConsole.h"
+#include "tests/sdk/EepromSdk.h"
 
 #include <QCommandLineParser>
 #include <gtest/gtest.h>
@@ -43,7 +43,7 @@ protected:
 TEST_F(CompanionUse, IsExplainedByHelpOfEachCommandWithoutAnyCamera)
 {
     for (const char* command : {"", "cameras", "read", "survey", "detect", "write", "check",
-                                "correction", "backups", "restore"}) {
+                                "correction", "backups", "restore", "convert", "diff", "merge"}) {
         for (const char* option : {"--help", "-h"}) {
             EXPECT_EQ(run(words(command) + words(option)), Companion::Succeeded) << command;
             const QByteArray text = m_recorded.out();
@@ -59,7 +59,7 @@ TEST_F(CompanionUse, IsExplainedByHelpOfEachCommandWithoutAnyCamera)
 TEST_F(CompanionUse, FitsItsHelpIntoALineOf79Characters)
 {
     for (const char* command : {"", "cameras", "read", "survey", "detect", "write", "check",
-                                "correction", "backups", "restore"}) {
+                                "correction", "backups", "restore", "convert", "diff", "merge"}) {
         run(words(command) + words("--help"));
     }
     for (const QByteArray& line : m_recorded.out().split('\n')) {

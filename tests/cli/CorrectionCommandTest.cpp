@@ -2,7 +2,7 @@
 // `correction` with a simulated camera.
 
 #include "camera/CameraSdk.h"
-#include "tests/cli/CameraBench.h"
+#include "tests/cli/CameraFixture.h"
 
 #include <QJsonArray>
 
@@ -10,7 +10,7 @@
 
 namespace {
 
-using Entries = CameraBench::Entries;
+using Entries = CameraFixture::Entries;
 
 /// A camera whose list holds pixels that are hot with --auto.
 class CameraCorrection : public testing::Test
@@ -18,16 +18,16 @@ class CameraCorrection : public testing::Test
 protected:
     void SetUp() override
     {
-        const auto made = m_bench.run(QStringLiteral("detect 1 --auto --clear --write --yes"));
+        const auto made = m_fixture.run(QStringLiteral("detect 1 --auto --clear --write --yes"));
         ASSERT_EQ(made.status, 0) << made.err.constData();
-        m_list = m_bench.user();
+        m_list = m_fixture.user();
     }
 
     /// The commands of the last run that switch the correction.
     [[nodiscard]] std::vector<std::int32_t> switches() const
     {
         std::vector<std::int32_t> switches;
-        std::ranges::copy_if(m_bench.commands, std::back_inserter(switches),
+        std::ranges::copy_if(m_fixture.commands, std::back_inserter(switches),
                              [](std::int32_t command) { return command < 100; });
         return switches;
     }
@@ -39,17 +39,17 @@ protected:
         ASSERT_GE(sent.size(), 2U);
         EXPECT_EQ(sent[sent.size() - 2], camera::CorrectionOffFirst);
         EXPECT_EQ(sent.back(), camera::CorrectionOffSecond);
-        EXPECT_EQ(m_bench.user(), m_list);
-        EXPECT_EQ(m_bench.simulated().openCameras(), 0);
+        EXPECT_EQ(m_fixture.user(), m_list);
+        EXPECT_EQ(m_fixture.simulated().openCameras(), 0);
     }
 
     /// Whether the last run got as far as switching the correction on.
     [[nodiscard]] bool wasOn() const
     {
-        return std::ranges::count(m_bench.commands, camera::CorrectionOnSecond) > 0;
+        return std::ranges::count(m_fixture.commands, camera::CorrectionOnSecond) > 0;
     }
 
-    CameraBench m_bench;
+    CameraFixture m_fixture;
     Entries m_list;
 };
 
@@ -57,7 +57,7 @@ protected:
 
 TEST_F(CameraCorrection, IsProvenByTheMeansOfTheListedPixels)
 {
-    const auto tested = m_bench.run(QStringLiteral("correction 1 test --auto"));
+    const auto tested = m_fixture.run(QStringLiteral("correction 1 test --auto"));
     EXPECT_EQ(tested.status, 0) << tested.err.constData();
     EXPECT_TRUE(tested.out.contains("x   y   list     off    on\n")) << tested.out.constData();
     EXPECT_TRUE(tested.out.endsWith("The camera corrects what is in its lists.\n"));
@@ -65,7 +65,7 @@ TEST_F(CameraCorrection, IsProvenByTheMeansOfTheListedPixels)
     expectOff();
 
     const QJsonObject object =
-        m_bench.run(QStringLiteral("correction 1 test --auto --json")).json();
+        m_fixture.run(QStringLiteral("correction 1 test --auto --json")).json();
     const QJsonArray listed = object[QStringLiteral("listed")].toArray();
     ASSERT_EQ(static_cast<std::size_t>(listed.size()), m_list.size() + 2);
     for (qsizetype i = 2; i < listed.size(); ++i) {
@@ -95,8 +95,8 @@ TEST_F(CameraCorrection, ThatDoesNothingIsFoundOut)
         }
     };
     RecordedConsole recorded;
-    Companion companion([this] { return std::make_unique<Idle>(m_bench.simulated()); }, {},
-                        recorded.console(), m_bench.interruption());
+    Companion companion([this] { return std::make_unique<Idle>(m_fixture.simulated()); }, {},
+                        recorded.console(), m_fixture.interruption());
     EXPECT_EQ(
         companion.run({QStringLiteral("vorn-hotpixel"), QStringLiteral("correction"),
                        QStringLiteral("1"), QStringLiteral("test"), QStringLiteral("--auto")}),
@@ -109,8 +109,8 @@ TEST_F(CameraCorrection, ThatDoesNothingIsFoundOut)
 TEST_F(CameraCorrection, IsNotProvenByPixelsThatAreNotHot)
 {
     m_list = {{30, 21, UserPixel}};
-    m_bench.setUser(m_list);
-    const auto tested = m_bench.run(QStringLiteral("correction 1 test --threshold 250"));
+    m_fixture.setUser(m_list);
+    const auto tested = m_fixture.run(QStringLiteral("correction 1 test --threshold 250"));
     EXPECT_EQ(tested.status, 1);
     EXPECT_EQ(tested.err, QByteArray("vorn-hotpixel: No listed pixel is hot with the correction "
                                      "off, so this proves nothing.\n"));
@@ -120,10 +120,10 @@ TEST_F(CameraCorrection, IsNotProvenByPixelsThatAreNotHot)
 
 TEST_F(CameraCorrection, HasNothingToDoForEmptyLists)
 {
-    CameraDescription description = CameraBench::camera();
+    CameraDescription description = CameraFixture::camera();
     description.factoryEntries = description.userEntries = 0;
-    CameraBench bench(description);
-    const auto tested = bench.run(QStringLiteral("correction 1 test"));
+    CameraFixture fixture(description);
+    const auto tested = fixture.run(QStringLiteral("correction 1 test"));
     EXPECT_EQ(tested.status, 1);
     EXPECT_EQ(tested.err,
               QByteArray("vorn-hotpixel: The lists are empty: there is nothing to correct.\n"));
@@ -131,12 +131,12 @@ TEST_F(CameraCorrection, HasNothingToDoForEmptyLists)
 
 TEST_F(CameraCorrection, IsSwitchedOnAndStaysSo)
 {
-    const auto on = m_bench.run(QStringLiteral("correction 1 on"));
+    const auto on = m_fixture.run(QStringLiteral("correction 1 on"));
     EXPECT_EQ(on.status, 0) << on.err.constData();
     EXPECT_EQ(on.out, QByteArray("Small, SerNo S1, Dev 1\nThe correction is on.\n"));
     // The opening comes first.
     EXPECT_EQ(switches(), (std::vector<std::int32_t>{0, 8, 1, 2}));
-    const auto off = m_bench.run(QStringLiteral("correction S1 off --json"));
+    const auto off = m_fixture.run(QStringLiteral("correction S1 off --json"));
     EXPECT_EQ(off.status, 0);
     EXPECT_FALSE(off.json()[QStringLiteral("correction")].toBool(true));
     expectOff();
@@ -145,8 +145,8 @@ TEST_F(CameraCorrection, IsSwitchedOnAndStaysSo)
 TEST_F(CameraCorrection, IsLeftOffWhenTheCameraRefusesToSwitchItOn)
 {
     for (const int call : {3, 4}) {
-        m_bench.fault = SdkFault{SdkOperation::HotpixelCommand, call, false};
-        const auto refused = m_bench.run(QStringLiteral("correction 1 on"));
+        m_fixture.fault = SdkFault{SdkOperation::HotpixelCommand, call, false};
+        const auto refused = m_fixture.run(QStringLiteral("correction 1 on"));
         EXPECT_EQ(refused.status, 1);
         EXPECT_TRUE(refused.err.startsWith(
             "vorn-hotpixel: The camera's correction could not be switched on: "))
@@ -169,7 +169,8 @@ TEST_F(CameraCorrection, IsSwitchedInNoOtherWay)
         {"1 off --threshold 50", "--threshold is for \"test\", which takes images."},
     };
     for (const auto& [arguments, message] : cases) {
-        const auto refused = m_bench.run(QStringLiteral("correction ") + QLatin1String(arguments));
+        const auto refused =
+            m_fixture.run(QStringLiteral("correction ") + QLatin1String(arguments));
         EXPECT_EQ(refused.status, 2);
         EXPECT_EQ(refused.err, QByteArray("vorn-hotpixel: ") + message +
                                    " See \"vorn-hotpixel correction --help\".\n");
@@ -180,32 +181,32 @@ TEST_F(CameraCorrection, IsSwitchedInNoOtherWay)
 TEST_F(CameraCorrection, IsOffAgainWhenATestIsInterrupted)
 {
     for (const int when : {4, 14, 20}) {
-        CameraBench bench;
-        bench.onFrame = [&](int frame) {
+        CameraFixture fixture;
+        fixture.onFrame = [&](int frame) {
             if (frame == when) {
-                bench.interruption().request();
+                fixture.interruption().request();
             }
         };
-        const auto ended = bench.run(QStringLiteral("correction 1 test"));
+        const auto ended = fixture.run(QStringLiteral("correction 1 test"));
         EXPECT_EQ(ended.status, 1);
         EXPECT_EQ(ended.err, QByteArray("vorn-hotpixel: Interrupted.\n"));
-        const bool on = std::ranges::count(bench.commands, camera::CorrectionOnFirst) > 0;
+        const bool on = std::ranges::count(fixture.commands, camera::CorrectionOnFirst) > 0;
         EXPECT_EQ(on, when > 11);
         if (on) {
-            EXPECT_EQ(bench.commands.back(), camera::CorrectionOffSecond);
+            EXPECT_EQ(fixture.commands.back(), camera::CorrectionOffSecond);
         }
-        EXPECT_EQ(bench.simulated().openCameras(), 0);
+        EXPECT_EQ(fixture.simulated().openCameras(), 0);
     }
 }
 
 TEST_F(CameraCorrection, IsTriedToBePutBackWhenTheCableIsPulled)
 {
-    m_bench.onFrame = [&](int frame) {
+    m_fixture.onFrame = [&](int frame) {
         if (frame == 16) {
-            m_bench.control().setPlugged(false);
+            m_fixture.control().setPlugged(false);
         }
     };
-    const auto failed = m_bench.run(QStringLiteral("correction 1 test"));
+    const auto failed = m_fixture.run(QStringLiteral("correction 1 test"));
     EXPECT_EQ(failed.status, 1);
     EXPECT_TRUE(wasOn());
     EXPECT_TRUE(failed.err.startsWith(
@@ -217,19 +218,19 @@ TEST_F(CameraCorrection, IsTriedToBePutBackWhenTheCableIsPulled)
 
 TEST_F(CameraCorrection, IsOffInTheEndWhicheverCommandFails)
 {
-    m_bench.run(QStringLiteral("correction 1 test"));
-    const int calls = m_bench.calls[static_cast<std::size_t>(SdkOperation::HotpixelCommand)];
+    m_fixture.run(QStringLiteral("correction 1 test"));
+    const int calls = m_fixture.calls[static_cast<std::size_t>(SdkOperation::HotpixelCommand)];
     EXPECT_GE(calls, 11);
     for (int call = 1; call <= calls; ++call) {
-        m_bench.fault = SdkFault{SdkOperation::HotpixelCommand, call, false};
-        const auto ended = m_bench.run(QStringLiteral("correction 1 test"));
+        m_fixture.fault = SdkFault{SdkOperation::HotpixelCommand, call, false};
+        const auto ended = m_fixture.run(QStringLiteral("correction 1 test"));
         SCOPED_TRACE(testing::Message() << "call " << call << ": " << ended.err.constData());
-        EXPECT_TRUE(m_bench.struck);
+        EXPECT_TRUE(m_fixture.struck);
         EXPECT_EQ(ended.status, 1);
         EXPECT_TRUE(ended.err.contains("vorn-hotpixel: "));
         const std::vector<std::int32_t> sent = switches();
         EXPECT_EQ(sent.back(), camera::CorrectionOffSecond);
-        EXPECT_EQ(m_bench.user(), m_list);
-        EXPECT_EQ(m_bench.simulated().openCameras(), 0);
+        EXPECT_EQ(m_fixture.user(), m_list);
+        EXPECT_EQ(m_fixture.simulated().openCameras(), 0);
     }
 }

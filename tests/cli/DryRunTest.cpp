@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What a write would change, before it does.
 
-#include "tests/cli/CameraBench.h"
+#include "tests/cli/CameraFixture.h"
 
 #include <QJsonArray>
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-using Entries = CameraBench::Entries;
+using Entries = CameraFixture::Entries;
 
 bool changesTheEeprom(std::int32_t command)
 {
@@ -36,7 +36,7 @@ protected:
             << "not even a folder";
     }
 
-    CameraBench m_bench;
+    CameraFixture m_bench;
 };
 
 } // namespace

@@ -6,7 +6,7 @@
 #include "hotpixel/BadpixelListFile.h"
 #include "simulator/SimulatedCameraSdk.h"
 #include "tests/cli/RecordedConsole.h"
-#include "tests/faults/FaultyCameraSdk.h"
+#include "tests/sdk/FaultyCameraSdk.h"
 
 #include <QDir>
 #include <QFile>

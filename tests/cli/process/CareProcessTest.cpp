@@ -2,7 +2,7 @@
 // Looking after cameras, with processes that are killed and with many cameras in one call.
 
 #include "hotpixel/BadpixelListFile.h"
-#include "tests/cli/process/CompanionBench.h"
+#include "tests/cli/process/CompanionFixture.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -58,8 +58,8 @@ std::vector<QJsonObject> objectsOf(const QByteArray& out)
 
 TEST(FortyCameras, AreCheckedInOneCall)
 {
-    const CompanionBench bench(fortyCameras());
-    const Finished checked = bench.run(QStringLiteral("check all --cover --json"));
+    const CompanionFixture fixture(fortyCameras());
+    const Finished checked = fixture.run(QStringLiteral("check all --cover --json"));
     EXPECT_EQ(checked.status, 1);
     const std::vector<QJsonObject> lines = objectsOf(checked.out);
     ASSERT_EQ(lines.size(), Cameras);
@@ -83,18 +83,18 @@ TEST(FortyCameras, AreCheckedInOneCall)
 TEST(KilledRestore, LosesNeitherOfTheLists)
 {
     constexpr int Kills = 60;
-    const CompanionBench bench(smallCamera()
-                                   .replace("userCapacity=16", "userCapacity=1000")
-                                   .replace("factoryEntries=2", "factoryEntries=0"));
-    const QString list = bench.file(QStringLiteral("list.txt"));
+    const CompanionFixture fixture(smallCamera()
+                                       .replace("userCapacity=16", "userCapacity=1000")
+                                       .replace("factoryEntries=2", "factoryEntries=0"));
+    const QString list = fixture.file(QStringLiteral("list.txt"));
     const Entries first = listOf(1, 900);
     const Entries second = listOf(30, 40);
     for (const Entries& entries : {first, second}) {
         hotpixel::writeListFile(list, entries);
-        ASSERT_EQ(bench.run(QStringLiteral("write 1 %1 --yes"), list).status, 0);
+        ASSERT_EQ(fixture.run(QStringLiteral("write 1 %1 --yes"), list).status, 0);
     }
     // The copy of what the camera had as it was new would only be in the way.
-    for (const QString& backup : bench.backups()) {
+    for (const QString& backup : fixture.backups()) {
         if (hotpixel::readListFile(backup).size() == 3) {
             ASSERT_TRUE(QFile::remove(backup));
         }
@@ -107,8 +107,8 @@ TEST(KilledRestore, LosesNeitherOfTheLists)
     Entries before = second;
     for (int round = 0; round < Kills; ++round) {
         const Entries& other = before == first ? second : first;
-        const std::unique_ptr<QProcess> process =
-            bench.start({QStringLiteral("restore"), QStringLiteral("1"), QStringLiteral("--yes")});
+        const std::unique_ptr<QProcess> process = fixture.start(
+            {QStringLiteral("restore"), QStringLiteral("1"), QStringLiteral("--yes")});
         const double jitter = std::uniform_real_distribution<double>(0.5, 1.5)(random);
         process->waitForFinished(static_cast<int>(momentMsec * jitter));
         process->kill();
@@ -118,14 +118,14 @@ TEST(KilledRestore, LosesNeitherOfTheLists)
         } else {
             ASSERT_EQ(process->exitCode(), 0) << process->readAllStandardError().constData();
         }
-        const Entries after = bench.eeprom(QStringLiteral("S1"));
+        const Entries after = fixture.eeprom(QStringLiteral("S1"));
         ASSERT_TRUE(after == first || after == second) << "round " << round;
         ASSERT_TRUE(after == before || after == other);
         restored += after == other ? 1 : 0;
         momentMsec = std::max(1.0, momentMsec * (after == other ? 0.9 : 1.1));
         before = after;
         const Entries& missing = after == first ? second : first;
-        const QStringList backups = bench.backups();
+        const QStringList backups = fixture.backups();
         ASSERT_TRUE(std::ranges::any_of(backups,
                                         [&missing](const QString& backup) {
                                             return hotpixel::readListFile(backup) == missing;
@@ -133,9 +133,9 @@ TEST(KilledRestore, LosesNeitherOfTheLists)
             << "round " << round;
     }
     const Entries last = before;
-    const Finished finished = bench.run(QStringLiteral("restore 1 --yes"));
+    const Finished finished = fixture.run(QStringLiteral("restore 1 --yes"));
     EXPECT_EQ(finished.status, 0) << finished.err.constData();
-    EXPECT_EQ(bench.eeprom(QStringLiteral("S1")), last == first ? second : first);
+    EXPECT_EQ(fixture.eeprom(QStringLiteral("S1")), last == first ? second : first);
     std::printf("%d restores killed: %d had written, %d had not\n", killed, restored,
                 Kills - restored);
     EXPECT_GT(killed, Kills * 8 / 10);
@@ -148,9 +148,9 @@ TEST(KilledRestore, LosesNeitherOfTheLists)
 TEST(KilledCheck, LeavesTheListAndTheCamera)
 {
     constexpr int Kills = 12;
-    const CompanionBench bench(smallCamera());
-    bench.run(QStringLiteral("read 1"));
-    const Entries before = bench.eeprom(QStringLiteral("S1"));
+    const CompanionFixture fixture(smallCamera());
+    fixture.run(QStringLiteral("read 1"));
+    const Entries before = fixture.eeprom(QStringLiteral("S1"));
     std::mt19937 random(20261122);
     const QList<QStringList> calls{
         {QStringLiteral("check"), QStringLiteral("1"), QStringLiteral("--cover")},
@@ -160,13 +160,13 @@ TEST(KilledCheck, LeavesTheListAndTheCamera)
         {QStringLiteral("detect"), QStringLiteral("1"), QStringLiteral("--cover"),
          QStringLiteral("--auto"), QStringLiteral("--write"), QStringLiteral("--dry-run")}};
     for (int round = 0; round < Kills; ++round) {
-        const std::unique_ptr<QProcess> process = bench.start(calls[round % calls.size()]);
+        const std::unique_ptr<QProcess> process = fixture.start(calls[round % calls.size()]);
         process->waitForFinished(std::uniform_int_distribution(20, 1200)(random));
         process->kill();
         process->waitForFinished(-1);
-        EXPECT_EQ(bench.eeprom(QStringLiteral("S1")), before);
-        EXPECT_TRUE(bench.backups().isEmpty());
-        const Finished read = bench.run(QStringLiteral("read 1"));
+        EXPECT_EQ(fixture.eeprom(QStringLiteral("S1")), before);
+        EXPECT_TRUE(fixture.backups().isEmpty());
+        const Finished read = fixture.run(QStringLiteral("read 1"));
         EXPECT_EQ(read.status, 0) << read.err.constData();
     }
 }
