@@ -141,7 +141,7 @@ void readArray(const QJsonObject& map, const char* key, PixelDefect defect,
 
 void read(PixelListInput& input)
 {
-    const QByteArray content = input.rest(GreatestFile);
+    const QByteArray content = input.wholeFile(GreatestFile);
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(content, &error);
     if (!document.isObject()) {

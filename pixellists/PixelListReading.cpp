@@ -93,13 +93,12 @@ bool PixelListInput::readLine()
     return true;
 }
 
-QByteArray PixelListInput::rest(qint64 most)
+QByteArray PixelListInput::wholeFile(qint64 most)
 {
-    QByteArray content = m_device.read(most + 1);
-    if (content.size() > most) {
+    if (m_device.size() > most) {
         fail(Text::tr("%1: is too large to be a list of this format.").arg(m_fileName));
     }
-    return content;
+    return m_device.read(m_device.size());
 }
 
 void PixelListInput::add(const ListedPixel& pixel)

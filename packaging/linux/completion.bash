@@ -14,7 +14,7 @@ _vorn_hotpixel() {
 
   if [[ $previous = --* ]]; then
     # The value of an option that takes one, such as "--out <FILE>".
-    kind=$(sed -nE "s/^  (-[a-z], )?$previous <([A-Z]+)>.*/\2/p" <<<"$help")
+    kind=$(sed -nE "s/^  (-[a-z], )?$previous <([^>]+)>.*/\2/p" <<<"$help")
   fi
   if [[ -z $kind && $word = -* ]]; then
     kind=options
@@ -43,13 +43,17 @@ _vorn_hotpixel() {
     commands)
       mapfile -t COMPREPLY < <(compgen -W \
         "$(sed -nE '/^Commands.*:$/,/^$/s/^  ([a-z][a-z-]*).*/\1/p' <<<"$help")" -- "$word") ;;
+    FORMAT)
+      mapfile -t COMPREPLY < <(compgen -W \
+        "$("$program" convert --help 2>/dev/null |
+          sed -nE '/^Formats:$/,/^$/s/^  ([a-z][a-z0-9]*) .*/\1/p')" -- "$word") ;;
     *)
       if [[ $kind = *CAMERA* ]]; then
         mapfile -t COMPREPLY < <(compgen -W \
           "$("$program" cameras --json 2>/dev/null | grep -oE '"serNo":"[^"]*"' | cut -d '"' -f 4)" \
           -- "$word")
       fi
-      if [[ $kind =~ FILE|FRAME|FOLDER|LIST|DIR && ${#COMPREPLY[@]} = 0 ]]; then
+      if [[ $kind =~ ^IN|^OUT|FILE|FRAME|FOLDER|LIST|DIR && ${#COMPREPLY[@]} = 0 ]]; then
         compopt -o filenames 2>/dev/null
         mapfile -t COMPREPLY < <(compgen -f -- "$word")
       fi ;;

@@ -71,7 +71,8 @@ TEST_F(CompanionUse, NamesCommandsAndOptionsInItsHelp)
 {
     run(words("--help"));
     for (const char* command : {"cameras", "read CAMERA...", "survey CAMERA...|--frames PATH...",
-                                "detect CAMERA...|--frames PATH...", "write CAMERA... FILE"}) {
+                                "detect CAMERA...|--frames PATH...", "write CAMERA... FILE",
+                                "convert IN OUT", "diff LIST LIST", "merge LIST LIST..."}) {
         EXPECT_TRUE(m_recorded.out().contains(command)) << command;
     }
     run(words("detect --help"));
