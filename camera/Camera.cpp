@@ -143,8 +143,7 @@ void Camera::tryOpen(int cameraId)
     check(m_sdk.setColorMode(m_handle, camera::ColorModeBayer8));
     m_sdk.getSensorInfo(m_handle, &m_sensorInfo);
     const unsigned int bitsPerPixel = takeColorMode();
-    sendHotpixelCommand(camera::CorrectionOffFirst);
-    sendHotpixelCommand(camera::CorrectionOffSecond);
+    sendCorrectionCommands(camera::CorrectionOffFirst, camera::CorrectionOffSecond);
     m_sequence.setUp(m_handle, BufferCount,
                      {m_sensorInfo.maxWidth, m_sensorInfo.maxHeight, bitsPerPixel});
 
@@ -279,9 +278,11 @@ void Camera::check(int result) const
     }
 }
 
-void Camera::sendHotpixelCommand(int command) const
+void Camera::sendCorrectionCommands(int first, int second)
 {
-    m_sdk.hotpixelCommand(m_handle, command, nullptr, 0);
+    const int firstResult = m_sdk.hotpixelCommand(m_handle, first, nullptr, 0);
+    const int secondResult = m_sdk.hotpixelCommand(m_handle, second, nullptr, 0);
+    m_correctionResult = firstResult != 0 ? firstResult : secondResult;
 }
 
 void Camera::eventReceived(int event)
@@ -490,8 +491,11 @@ void Camera::setBadPixelCorrection(bool enable)
     m_sdk.getFrameTimeRange(m_handle, &minTime, &maxTime, &timeStep);
     double actual = 0.0; // what the camera makes of it is not kept
     m_sdk.setFrameRate(m_handle, 1.0 / minTime, &actual);
-    sendHotpixelCommand(enable ? camera::CorrectionOnFirst : camera::CorrectionOffFirst);
-    sendHotpixelCommand(enable ? camera::CorrectionOnSecond : camera::CorrectionOffSecond);
+    if (enable) {
+        sendCorrectionCommands(camera::CorrectionOnFirst, camera::CorrectionOnSecond);
+    } else {
+        sendCorrectionCommands(camera::CorrectionOffFirst, camera::CorrectionOffSecond);
+    }
     m_sdk.setFrameRate(m_handle, keptFramerate, &actual);
     m_sdk.setExposureTime(m_handle, m_exposure.value, &actual);
 

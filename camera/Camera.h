@@ -64,6 +64,10 @@ public:
     /// another error. Known when displayError() tells of it; 0 before.
     [[nodiscard]] int settingsResult() const { return m_settingsResult; }
 
+    /// What the SDK answered when the hotpixel correction was switched last, by
+    /// setBadPixelCorrection or at the opening: 0, or the first error of the two commands.
+    [[nodiscard]] int correctionResult() const { return m_correctionResult; }
+
     /// Frames received since the last opening.
     [[nodiscard]] int frameCount() const { return m_frameCount; }
 
@@ -163,7 +167,7 @@ private:
     [[nodiscard]] unsigned int takeColorMode();
     void takeFrame();
     void applyPixelclock(int value);
-    void sendHotpixelCommand(int command) const;
+    void sendCorrectionCommands(int first, int second);
     void check(int result) const;
     [[nodiscard]] const char* sdkText(int code) const;
 
@@ -181,6 +185,7 @@ private:
     CameraSdk::Handle m_handle = 0;
     SensorInfo m_sensorInfo = {};
     int m_settingsResult = 0;
+    int m_correctionResult = 0;
     int m_frameCount = 0;
     int m_failedCount = 0;
     ImageSequence m_sequence;

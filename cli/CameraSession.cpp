@@ -4,6 +4,7 @@
 #include "cli/Command.h"
 #include "cli/Console.h"
 #include "cli/Interruption.h"
+#include "cli/SeveralCameras.h"
 
 #include <QFileInfo>
 
@@ -64,7 +65,7 @@ CameraItem cli::chooseCamera(const QList<CameraItem>& cameras, const QString& na
 }
 
 CameraSession::CameraSession(CommandContext& context, const QString& name)
-    : CameraSession(context, cli::chooseCamera(camera::connectedCameras(context.sdk()), name))
+    : CameraSession(context, cli::chosenCamera(context, name))
 {}
 
 CameraSession::CameraSession(CommandContext& context, CameraItem camera)

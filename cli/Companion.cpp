@@ -3,6 +3,7 @@
 
 #include "camera/CameraSdk.h"
 #include "cli/Console.h"
+#include "cli/SeveralCameras.h"
 #include "darkframes/FrameFile.h"
 
 #include <QCommandLineParser>
@@ -19,7 +20,12 @@
     COMMAND(read)                                                                                  \
     COMMAND(survey)                                                                                \
     COMMAND(detect)                                                                                \
-    COMMAND(write)
+    COMMAND(write)                                                                                 \
+    COMMAND(check)                                                                                 \
+    COMMAND(correction)                                                                            \
+    COMMAND(convert)                                                                               \
+    COMMAND(diff)                                                                                  \
+    COMMAND(merge)
 
 namespace cli::commands {
 
@@ -40,13 +46,15 @@ constexpr auto Repeated = "...";
 /// @throws cli::UsageError when they are too few or too many.
 void checkCount(const QStringList& values, const QStringList& arguments)
 {
-    if (values.size() < arguments.size()) {
+    const auto isNecessary = [](const QString& argument) { return !argument.startsWith(u'['); };
+    if (values.size() < std::ranges::count_if(arguments, isNecessary)) {
         QString missing = arguments[values.size()];
         throw cli::UsageError(
             Companion::tr("%1 is missing.").arg(missing.remove(QLatin1String(Repeated))));
     }
-    const bool anyNumber =
-        !arguments.isEmpty() && arguments.last().endsWith(QLatin1String(Repeated));
+    const bool anyNumber = std::ranges::any_of(arguments, [](const QString& argument) {
+        return argument.contains(QLatin1String(Repeated));
+    });
     if (values.size() > arguments.size() && !anyNumber) {
         throw cli::UsageError(Companion::tr("\"%1\" is too much.").arg(values[arguments.size()]));
     }
@@ -88,10 +96,12 @@ int Companion::run(const QStringList& arguments)
 {
     m_program = QFileInfo(arguments.value(0)).completeBaseName();
     m_commandLine = commandLineOf(QStringList(m_program) + arguments.mid(1));
+    m_failedStatus = CommandFailed;
     int status = dispatch(arguments.mid(1));
-    if (!m_console.flush() && status == Succeeded) {
+    // A status that says something else than that all is well may be a result itself.
+    if (!m_console.flush() && status != m_failedStatus && status != WrongUse) {
         m_console.notice(tr("%1: Can't write the results.").arg(m_program));
-        status = CommandFailed;
+        status = m_failedStatus;
     }
     return status;
 }
@@ -110,8 +120,8 @@ int Companion::dispatch(const QStringList& arguments)
             helpCommand += u' ' + command->name;
             QStringList rest = arguments;
             rest.removeAt(word - arguments.begin());
-            runCommand(*command, rest);
-            return Succeeded;
+            m_failedStatus = command->failedStatus;
+            return runCommand(*command, rest);
         }
         if (word != arguments.end()) {
             throw cli::UsageError(tr("There is no command \"%1\".").arg(*word));
@@ -124,7 +134,7 @@ int Companion::dispatch(const QStringList& arguments)
         return WrongUse;
     } catch (const std::exception& error) {
         m_console.notice(m_program + QStringLiteral(": ") + QString::fromUtf8(error.what()));
-        return CommandFailed;
+        return m_failedStatus;
     }
 }
 
@@ -142,9 +152,10 @@ void Companion::runWithoutCommand(const QStringList& arguments)
         description +=
             QStringLiteral("  %1  %2\n").arg(callOf(command).leftJustified(width), command.summary);
     }
-    description += u'\n' + tr("CAMERA is a Dev number or a serial number. The help of a command:\n"
-                              "\"%1 COMMAND --help\". The exit status is 0, 1 when the command\n"
-                              "failed, or 2 when it was called wrongly.")
+    description += u'\n' + tr("CAMERA is a Dev number or a serial number, several of them, or\n"
+                              "\"all\". The help of a command: \"%1 COMMAND --help\".\n"
+                              "The exit status is 0, 1 when the command failed, or 2 when it was\n"
+                              "called wrongly.")
                                .arg(m_program);
     QCommandLineParser parser;
     parser.setApplicationDescription(description);
@@ -153,14 +164,14 @@ void Companion::runWithoutCommand(const QStringList& arguments)
     }
 }
 
-void Companion::runCommand(const Command& command, const QStringList& arguments)
+int Companion::runCommand(const Command& command, const QStringList& arguments)
 {
     QCommandLineParser parser;
     parser.addOptions(command.options(m_switches));
     parser.setApplicationDescription(command.description);
     const QStringList usage = QStringList{m_program, command.name} + command.arguments;
     if (!parse(parser, usage.join(u' ') + u' ' + tr("[options]"), arguments)) {
-        return;
+        return Succeeded;
     }
     const QStringList values = parser.positionalArguments();
     checkCount(values, command.arguments);
@@ -178,14 +189,21 @@ void Companion::runCommand(const Command& command, const QStringList& arguments)
                            m_interruption,
                            parser.isSet(QLatin1String(JsonOption)),
                            m_commandLine};
-    command.run(values, parser, context);
+    const qsizetype cameras = command.cameras(values, parser);
+    if (cli::nameSeveral(values.first(cameras))) {
+        cli::runForEach(command, values.first(cameras), values.sliced(cameras), parser, context);
+    } else {
+        command.run(values, parser, context);
+    }
+    return context.status;
 }
 
 bool Companion::parse(QCommandLineParser& parser, const QString& usage,
                       const QStringList& arguments)
 {
     parser.addOptions(
-        {{QLatin1String(JsonOption), tr("Print the results as one JSON object.")},
+        {{QLatin1String(JsonOption),
+          tr("Print the results as one JSON object, with several cameras as one on a line each.")},
          {{QStringLiteral("h"), QLatin1String(HelpOption)}, tr("Print this help.")},
          {{QStringLiteral("v"), QLatin1String(VersionOption)}, tr("Print the version.")}});
     if (!parser.parse(QStringList(m_program) + arguments)) {

@@ -38,7 +38,8 @@ public:
 
 private:
     int dispatch(const QStringList& arguments);
-    void runCommand(const Command& command, const QStringList& arguments);
+    /// @return the status that the command ends with.
+    int runCommand(const Command& command, const QStringList& arguments);
     void runWithoutCommand(const QStringList& arguments);
 
     /// Reads the options that every command has and those that the parser knows already; does what
@@ -52,6 +53,7 @@ private:
     Console& m_console;
     Interruption& m_interruption;
     std::vector<Command> m_commands;
-    QString m_program;     ///< its name, for usage lines
-    QString m_commandLine; ///< with all arguments
+    int m_failedStatus = CommandFailed; ///< that of the command
+    QString m_program;                  ///< its name, for usage lines
+    QString m_commandLine;              ///< with all arguments
 };

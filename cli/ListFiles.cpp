@@ -3,6 +3,7 @@
 
 #include "cli/Command.h"
 #include "cli/EntryText.h"
+#include "cli/SeveralCameras.h"
 #include "hotpixel/BadpixelListFile.h"
 
 #include <QByteArrayList>
@@ -10,7 +11,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryFile>
 
@@ -134,7 +134,7 @@ void openIn(const QString& folder, QTemporaryFile& file)
 
 } // namespace
 
-std::vector<BadpixelEntry> readUserListFile(const QString& fileName)
+void openListFile(const QString& fileName, QFile& file)
 {
     const QFileInfo info(fileName);
     if (info.isDir()) {
@@ -144,11 +144,17 @@ std::vector<BadpixelEntry> readUserListFile(const QString& fileName)
     if (info.exists() && !info.isFile()) {
         throw CommandError(ListFiles::tr("%1 is not a file.").arg(fileName));
     }
-    QFile file(fileName);
+    file.setFileName(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
         throw CommandError(ListFiles::tr("Can't open file for reading. (%1: %2)")
                                .arg(fileName, file.errorString()));
     }
+}
+
+std::vector<BadpixelEntry> readUserListFile(const QString& fileName)
+{
+    QFile file;
+    openListFile(fileName, file);
     if (file.size() > MaxFileSize) {
         throw CommandError(ListFiles::tr("%1 is too large to be a list file.").arg(fileName));
     }
@@ -218,6 +224,11 @@ void checkOutputFile(const QString& fileName)
     namingTheFile(fileName, [&] { hotpixel::checkListFile(fileName); });
 }
 
+void saveOutputFile(const QString& fileName, const QByteArray& content)
+{
+    namingTheFile(fileName, [&] { hotpixel::writeFile(fileName, content); });
+}
+
 void saveOutputFile(const QString& fileName, std::span<const BadpixelEntry> entries)
 {
     namingTheFile(fileName, [&] { hotpixel::writeListFile(fileName, entries); });
@@ -252,9 +263,8 @@ QString saveBackup(const QString& folder, const QString& serNo, const QDateTime&
     }
 
     const QDir target(folder);
-    QString name = serNo;
-    name.replace(QRegularExpression(QStringLiteral("[^A-Za-z0-9_-]")), QStringLiteral("_"));
-    name += time.toString(QStringLiteral("'-user-list-'yyyyMMdd-HHmmss"));
+    const QString name =
+        fileNamePart(serNo) + time.toString(QStringLiteral("'-user-list-'yyyyMMdd-HHmmss"));
     for (int number = 1; number <= MaxFilesPerSecond; ++number) {
         const QString suffix = number == 1 ? QString() : QStringLiteral("-%1").arg(number);
         const QString fileName = target.filePath(name + suffix + QStringLiteral(".txt"));

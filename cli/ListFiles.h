@@ -10,11 +10,17 @@
 #include <span>
 #include <vector>
 
+class QFile;
+
 /// List files on their ways into a camera and out of it.
 namespace cli {
 
 // Into a camera, where nothing doubtful may pass: unlike the editor, which loads whatever is in a
 // file, every line has to be a user entry.
+
+/// Opens a list file, of any kind.
+/// @throws CommandError naming the file: it can't be opened, or is no file.
+void openListFile(const QString& fileName, QFile& file);
 
 /// Reads a list file: x, y and the class 1 on each line, in decimal without leading zeros (to the
 /// editor 012 is octal), with blanks or tabs between them; what follows behind another blank is
@@ -46,6 +52,10 @@ SensorEntries userEntriesOf(std::span<const BadpixelEntry> entries, const QSize&
 /// @throws CommandError when it is a folder, its folder does not exist, or it can't be written or
 ///         made.
 void checkOutputFile(const QString& fileName);
+
+/// Saves @p content with hotpixel::writeFile().
+/// @throws CommandError with the file's name and the reason.
+void saveOutputFile(const QString& fileName, const QByteArray& content);
 
 /// Saves the user entries among @p entries with hotpixel::writeListFile().
 /// @throws CommandError with the file's name and the reason.

@@ -5,7 +5,8 @@
 #include "cli/Command.h"
 #include "cli/Console.h"
 #include "cli/EntryText.h"
-#include "cli/ListFiles.h"
+#include "cli/PixelListFiles.h"
+#include "cli/SeveralCameras.h"
 #include "hotpixel/CameraLists.h"
 
 #include <QCommandLineParser>
@@ -23,16 +24,19 @@ public:
     static QList<QCommandLineOption> options(const std::vector<SdkSwitch>& /*switches*/)
     {
         return {{QLatin1String(OutOption), tr("Save the user list to the list file FILE."),
-                 QStringLiteral("FILE")}};
+                 QStringLiteral("FILE")},
+                cli::outputFormatOption()};
     }
 
     static void run(const QStringList& values, const QCommandLineParser& parser,
                     CommandContext& context)
     {
-        const QString fileName = parser.value(QLatin1String(OutOption));
+        const QString fileName =
+            cli::outputName(parser, OutOption, QStringLiteral(".txt"), context);
         const bool save = parser.isSet(QLatin1String(OutOption));
+        const PixelListFormat& format = cli::outputFormat(fileName, parser);
         if (save) {
-            cli::checkOutputFile(fileName);
+            cli::checkListOutput(fileName, format);
         }
 
         CameraSession session(context, values.front());
@@ -40,11 +44,7 @@ public:
         const int capacity = lists.maxUserEntries();
         const std::vector<BadpixelEntry> factory = lists.factoryEntries();
         const std::vector<BadpixelEntry> user = lists.userEntries();
-        if (save) {
-            cli::saveOutputFile(fileName, user);
-        }
-
-        Report report(context.console, context.json);
+        Report report(context);
         const auto list = [&report](const char* key, const QString& title,
                                     const std::vector<BadpixelEntry>& entries) {
             report.insert(key, cli::entryArray(entries));
@@ -59,9 +59,16 @@ public:
         list("factory", tr("Factory list: %1").arg(cli::entryCount(factory.size())), factory);
         list("user",
              tr("User list: %1, at most %2").arg(cli::entryCount(user.size())).arg(capacity), user);
+        report.setSummary(tr("%1 factory, %2 user").arg(factory.size()).arg(user.size()));
         if (save) {
-            report.insert("saved", fileName);
+            const QSize sensor(session.camera().imageWidth(), session.camera().imageHeight());
+            const QString account = cli::saveUserEntries(
+                fileName, format, user, {.size = sensor, .camera = session.description().model},
+                report);
             report.line(tr("User list saved to %1").arg(fileName));
+            if (!account.isEmpty()) {
+                report.line(account);
+            }
         }
     }
 };
@@ -73,13 +80,15 @@ namespace cli::commands {
 Command read()
 {
     return {.name = QStringLiteral("read"),
-            .arguments = {QStringLiteral("CAMERA")},
+            .arguments = {QStringLiteral("CAMERA...")},
             .summary = ReadCommand::tr("Read the hotpixel lists from a camera."),
             .description = ReadCommand::tr(
-                "Reads the factory list and the user list from the EEPROM of CAMERA, which is a\n"
-                "Dev number or a serial number."),
+                "Reads the factory list and the user list from the EEPROM of each CAMERA (a Dev\n"
+                "number, a serial number, or \"all\"). With several of them --out names a folder,\n"
+                "and each list is saved there under the serial number."),
             .options = ReadCommand::options,
-            .run = ReadCommand::run};
+            .run = ReadCommand::run,
+            .cameras = cli::allAreCameras};
 }
 
 } // namespace cli::commands

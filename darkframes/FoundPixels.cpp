@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 namespace {
 
@@ -60,6 +61,26 @@ std::vector<FoundPixel> darkframes::foundPixels(const DarkStack& stack, const Su
     return pixels;
 }
 
+std::vector<FoundPixel> darkframes::pixelsNotFound(const DarkStack& stack, const Survey& survey,
+                                                   const Findings& findings,
+                                                   std::span<const PixelPosition> listed)
+{
+    const HotPixels& found = findings.pixels;
+    std::set<PixelPosition> passed(found.hot.begin(), found.hot.end());
+    passed.insert(found.flickering.begin(), found.flickering.end());
+    const std::vector<SensorPlane> planes = survey.mosaic.planes();
+    std::vector<FoundPixel> pixels;
+    for (const PixelPosition& position : listed) {
+        const bool onSensor = position.x < survey.info.width && position.y < survey.info.height;
+        if (onSensor && passed.insert(position).second) {
+            FoundPixel pixel = measured(stack, position, planes, survey.mosaic);
+            pixel.foundClass = FoundClass::NotHot;
+            pixels.push_back(std::move(pixel));
+        }
+    }
+    return pixels;
+}
+
 QString darkframes::className(FoundClass foundClass)
 {
     switch (foundClass) {
@@ -69,6 +90,8 @@ QString darkframes::className(FoundClass foundClass)
         return QStringLiteral("factory");
     case FoundClass::User:
         return QStringLiteral("user");
+    case FoundClass::NotHot:
+        return QStringLiteral("not hot");
     case FoundClass::Flickering:
         break;
     }

@@ -249,6 +249,8 @@ QString classText(FoundClass foundClass)
         return Text::tr("factory");
     case FoundClass::User:
         return Text::tr("user");
+    case FoundClass::NotHot:
+        return Text::tr("not hot");
     case FoundClass::Flickering:
         break;
     }
@@ -260,7 +262,9 @@ QString hottest(std::span<const FoundPixel> pixels)
     constexpr std::size_t Shown = 50;
     std::vector<const FoundPixel*> sorted;
     for (const FoundPixel& pixel : pixels) {
-        sorted.push_back(&pixel);
+        if (pixel.foundClass != FoundClass::NotHot) {
+            sorted.push_back(&pixel);
+        }
     }
     std::ranges::stable_sort(sorted, std::greater<>(),
                              [](const FoundPixel* pixel) { return pixel->mean; });

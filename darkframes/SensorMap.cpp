@@ -47,12 +47,17 @@ constexpr std::array Kinds{
          "m 0 -1.8 l 1.6 2.9 l -3.2 0 z"},
     Kind{"known", QT_TRANSLATE_NOOP("SensorMap", "known"), &isKnown,
          "m -0.9 -0.9 l 1.8 0 l 0 1.8 l -1.8 0 z"},
+    Kind{"nothot", QT_TRANSLATE_NOOP("SensorMap", "in a list, but not hot"),
+         [](const FoundPixel& pixel) { return pixel.foundClass == FoundClass::NotHot; },
+         "m -1.2 0 l 2.4 0"},
     Kind{"flickering", QT_TRANSLATE_NOOP("SensorMap", "flickering"),
          [](const FoundPixel& pixel) { return pixel.foundClass == FoundClass::Flickering; },
          "m -1 -1 l 2 2 m 0 -2 l -2 2"},
     Kind{"new", QT_TRANSLATE_NOOP("SensorMap", "new"), [](const FoundPixel&) { return true; },
          "m -0.9 0 a 0.9 0.9 0 1 0 1.8 0 a 0.9 0.9 0 1 0 -1.8 0"},
 };
+
+constexpr std::size_t NotHot = 2; ///< among the kinds
 
 std::size_t kindOf(const FoundPixel& pixel)
 {
@@ -154,6 +159,10 @@ QString darkframes::sensorMapLegend(std::span<const FoundPixel> pixels)
     const auto found = counts(pixels);
     QString legend = QStringLiteral("<ul class=\"legend\">");
     for (std::size_t kind = 0; kind < Kinds.size(); ++kind) {
+        // Only who looks at lists has an eye for this kind.
+        if (kind == NotHot && found[kind] == 0) {
+            continue;
+        }
         QString title = Text::tr("%1: %2").arg(Text::tr(Kinds[kind].title)).arg(found[kind]);
         if (found[kind] > MostMarks) {
             title += Text::tr(", of which every %1. is drawn").arg(found[kind] / MostMarks + 1);

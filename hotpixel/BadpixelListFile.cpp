@@ -130,12 +130,16 @@ void checkListFile(const QString& filename)
 
 void writeListFile(const QString& filename, std::span<const BadpixelEntry> entries)
 {
+    writeFile(filename, listFileContent(entries));
+}
+
+void writeFile(const QString& filename, const QByteArray& content)
+{
     const QFileInfo target(filename);
     // Opening a pipe would wait for someone who reads from it.
     if (filename.isEmpty() || isPipe(target)) {
         fail(CantOpenForWriting);
     }
-    const QByteArray content = listFileContent(entries);
     if (target.exists() && !target.isFile()) {
         writeDevice(filename, content);
         return;

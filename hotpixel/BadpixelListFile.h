@@ -18,7 +18,7 @@ namespace hotpixel {
 /// (CR LF on Windows); all others are left out.
 [[nodiscard]] QByteArray listFileContent(std::span<const BadpixelEntry> entries);
 
-/// Writes listFileContent() to a file.
+/// Writes @p content to a file.
 ///
 /// An existing file is replaced only when the new one is complete, so a failure leaves it as it
 /// was. A file that can't be replaced is written in place, be it that no other one can be made in
@@ -29,9 +29,12 @@ namespace hotpixel {
 /// @throws std::runtime_error "Can't open file for writing." when @p filename can't be made or
 ///         written to, or is a folder or a pipe.
 /// @throws std::runtime_error "Can't write file." when the disk is full or fails.
+void writeFile(const QString& filename, const QByteArray& content);
+
+/// Writes listFileContent() with writeFile().
 void writeListFile(const QString& filename, std::span<const BadpixelEntry> entries);
 
-/// Finds out whether writeListFile() could begin; the file is as before. One that is not there is
+/// Finds out whether writeFile() could begin; the file is as before. One that is not there is
 /// made and removed again, since only that tells whether there can be one of its name.
 /// @throws std::runtime_error "Can't open file for writing."
 void checkListFile(const QString& filename);

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "cli/EntryText.h"
 #include "hotpixel/BadpixelListFile.h"
 #include "tests/cli/process/CompanionFixture.h"
 
@@ -180,9 +181,13 @@ TEST(CompanionProcess, WritesAListThatTheNextProcessReadsBack)
     const QStringList backups = fixture.backups();
     ASSERT_EQ(backups.size(), 1);
     EXPECT_EQ(hotpixel::readListFile(backups.front()), before);
-    EXPECT_EQ(written.out, QByteArray("Small, SerNo S1, Dev 1\n"
-                                      "Written into the camera and read back: 3 entries of at most "
-                                      "16\nThe list before (3 entries) is saved in ") +
+    EXPECT_EQ(written.out, "Small, SerNo S1, Dev 1\n"
+                           "Added: 3 entries\n"
+                           "  (1, 2)    (63, 47)  (64, 5)\n"
+                           "Removed: 3 entries\n" +
+                               cli::entryColumns(before).toLatin1() +
+                               "\nWritten into the camera and read back: 3 entries of at most 16\n"
+                               "The list before (3 entries) is saved in " +
                                backups.front().toLocal8Bit() + '\n');
 }
 
@@ -205,7 +210,10 @@ TEST(CompanionProcess, WritesNothingThatIsNotAListForThisCamera)
     const CompanionFixture fixture(smallCamera());
     fixture.run(QStringLiteral("read 1"));
     const Entries before = fixture.eeprom(QStringLiteral("S1"));
-    const QByteArray tooLong = QByteArray("1 1 1\n").repeated(17);
+    QByteArray tooLong;
+    for (int x = 1; x <= 17; ++x) {
+        tooLong += QByteArray::number(x) + " 1 1\n";
+    }
     const struct
     {
         QString name;
@@ -424,7 +432,9 @@ TEST(CompanionProcess, TakesNothingOverWhenTheCameraCantStoreIt)
 
 TEST(CompanionProcess, ReadsAndSavesAListThatIsLongerThanTheEditorShowsButRefusesToDetectWithIt)
 {
-    const CompanionFixture fixture(smallCamera().replace("userCapacity=16", "userCapacity=5000"));
+    const CompanionFixture fixture(smallCamera()
+                                       .replace("userCapacity=16", "userCapacity=5000")
+                                       .replace("factoryEntries=2", "factoryEntries=0"));
     QByteArray lines;
     for (int i = 0; i < 1500; ++i) {
         lines += QByteArray::number(i % 64) + ' ' + QByteArray::number(i / 64) + " 1\n";

@@ -18,7 +18,8 @@ Entries listOf(std::uint16_t x, std::size_t count)
 {
     Entries entries;
     for (std::size_t i = 0; i < count; ++i) {
-        entries.push_back({x, static_cast<std::uint16_t>(i % 48), UserPixel});
+        entries.push_back({static_cast<std::uint16_t>((x + i / 48) % 64),
+                           static_cast<std::uint16_t>(i % 48), UserPixel});
     }
     return entries;
 }
@@ -30,7 +31,9 @@ Entries listOf(std::uint16_t x, std::size_t count)
 // write: later after a kill that came too early, earlier after one that came too late.
 TEST(KilledWriter, LeavesTheOldOrTheNewList)
 {
-    const CompanionFixture fixture(smallCamera().replace("userCapacity=16", "userCapacity=1000"));
+    const CompanionFixture fixture(smallCamera()
+                                       .replace("userCapacity=16", "userCapacity=1000")
+                                       .replace("factoryEntries=2", "factoryEntries=0"));
     const QString fileName = fixture.file(QStringLiteral("list.txt"));
     fixture.run(QStringLiteral("read 1"));
     Entries inCamera = fixture.eeprom(QStringLiteral("S1"));
