@@ -143,8 +143,7 @@ void Camera::tryOpen(int cameraId)
     check(m_sdk.setColorMode(m_handle, camera::ColorModeBayer8));
     m_sdk.getSensorInfo(m_handle, &m_sensorInfo);
     const unsigned int bitsPerPixel = takeColorMode();
-    sendHotpixelCommand(camera::CorrectionOffFirst);
-    sendHotpixelCommand(camera::CorrectionOffSecond);
+    sendCorrectionCommands(camera::CorrectionOffFirst, camera::CorrectionOffSecond);
     m_sequence.setUp(m_handle, BufferCount,
                      {m_sensorInfo.maxWidth, m_sensorInfo.maxHeight, bitsPerPixel});
 
@@ -194,7 +193,7 @@ void Camera::loadSettings()
     if (m_settingsResult == camera::FileNotOpened) {
         emit displayError(tr("Can't open ini file."), NoticeMsec);
     } else if (m_settingsResult != 0) {
-        emit displayError(QString::fromLatin1(errorText(m_settingsResult)), NoticeMsec);
+        emit displayError(errorMessage(m_settingsResult), NoticeMsec);
     }
 }
 
@@ -253,24 +252,37 @@ double Camera::getFramerate() const
     return framesPerSecond;
 }
 
-const char* Camera::errorText(int code) const
+const char* Camera::sdkText(int code) const
 {
     std::int32_t sdkCode = code;
     char* text = nullptr;
-    const bool known = m_sdk.getError(m_handle, &sdkCode, &text) == 0 && text != nullptr;
-    return known ? text : "Unknown error.";
+    return m_sdk.getError(m_handle, &sdkCode, &text) == 0 ? text : nullptr;
+}
+
+const char* Camera::errorText(int code) const
+{
+    const char* const text = sdkText(code);
+    return text != nullptr ? text : "Unknown error.";
+}
+
+QString Camera::errorMessage(int code) const
+{
+    const char* const text = sdkText(code);
+    return text != nullptr ? QString::fromLatin1(text) : tr("Unknown error.");
 }
 
 void Camera::check(int result) const
 {
     if (result != 0) {
-        throw std::runtime_error(QString::fromLatin1(errorText(result)).toStdString());
+        throw std::runtime_error(errorMessage(result).toStdString());
     }
 }
 
-void Camera::sendHotpixelCommand(int command) const
+void Camera::sendCorrectionCommands(int first, int second)
 {
-    m_sdk.hotpixelCommand(m_handle, command, nullptr, 0);
+    const int firstResult = m_sdk.hotpixelCommand(m_handle, first, nullptr, 0);
+    const int secondResult = m_sdk.hotpixelCommand(m_handle, second, nullptr, 0);
+    m_correctionResult = firstResult != 0 ? firstResult : secondResult;
 }
 
 void Camera::eventReceived(int event)
@@ -315,7 +327,7 @@ void Camera::takeFrame()
     ++m_frameCount;
     char* memory = nullptr;
     if (const int result = m_sdk.getFrameMemory(m_handle, 0, 0, &memory); result != 0) {
-        emit displayError(QString::fromLatin1(errorText(result)), NoticeMsec);
+        emit displayError(errorMessage(result), NoticeMsec);
         return;
     }
     m_image = QImage(reinterpret_cast<uchar*>(memory), imageWidth(), imageHeight(), m_imageFormat);
@@ -479,8 +491,11 @@ void Camera::setBadPixelCorrection(bool enable)
     m_sdk.getFrameTimeRange(m_handle, &minTime, &maxTime, &timeStep);
     double actual = 0.0; // what the camera makes of it is not kept
     m_sdk.setFrameRate(m_handle, 1.0 / minTime, &actual);
-    sendHotpixelCommand(enable ? camera::CorrectionOnFirst : camera::CorrectionOffFirst);
-    sendHotpixelCommand(enable ? camera::CorrectionOnSecond : camera::CorrectionOffSecond);
+    if (enable) {
+        sendCorrectionCommands(camera::CorrectionOnFirst, camera::CorrectionOnSecond);
+    } else {
+        sendCorrectionCommands(camera::CorrectionOffFirst, camera::CorrectionOffSecond);
+    }
     m_sdk.setFrameRate(m_handle, keptFramerate, &actual);
     m_sdk.setExposureTime(m_handle, m_exposure.value, &actual);
 

@@ -64,6 +64,10 @@ public:
     /// another error. Known when displayError() tells of it; 0 before.
     [[nodiscard]] int settingsResult() const { return m_settingsResult; }
 
+    /// What the SDK answered when the hotpixel correction was switched last, by
+    /// setBadPixelCorrection or at the opening: 0, or the first error of the two commands.
+    [[nodiscard]] int correctionResult() const { return m_correctionResult; }
+
     /// Frames received since the last opening.
     [[nodiscard]] int frameCount() const { return m_frameCount; }
 
@@ -75,6 +79,9 @@ public:
 
     /// The SDK's text for @p code, or "Unknown error."; valid until the next call of the SDK.
     [[nodiscard]] const char* errorText(int code) const;
+
+    /// The same for people, whose language the words "Unknown error." are in.
+    [[nodiscard]] QString errorMessage(int code) const;
 
     /// The "Dev" number of the open camera, 0 when none is open.
     [[nodiscard]] unsigned int cameraId() const { return m_cameraId; }
@@ -160,8 +167,9 @@ private:
     [[nodiscard]] unsigned int takeColorMode();
     void takeFrame();
     void applyPixelclock(int value);
-    void sendHotpixelCommand(int command) const;
+    void sendCorrectionCommands(int first, int second);
     void check(int result) const;
+    [[nodiscard]] const char* sdkText(int code) const;
 
     CameraSdk& m_sdk;
     std::unique_ptr<EventThread> m_frameThread;
@@ -177,6 +185,7 @@ private:
     CameraSdk::Handle m_handle = 0;
     SensorInfo m_sensorInfo = {};
     int m_settingsResult = 0;
+    int m_correctionResult = 0;
     int m_frameCount = 0;
     int m_failedCount = 0;
     ImageSequence m_sequence;

@@ -28,7 +28,7 @@ bool ascending(const CameraItem& a, const CameraItem& b, int column)
         return QString::localeAwareCompare(CameraListModel::statusText(b),
                                            CameraListModel::statusText(a)) > 0;
     default:
-        throw std::runtime_error("Sort Error");
+        throw std::runtime_error(CameraListModel::tr("Sort Error").toStdString());
     }
 }
 
@@ -47,7 +47,7 @@ bool comesBefore(const CameraItem& a, const CameraItem& b, int column, Qt::SortO
     case Qt::DescendingOrder:
         return descending(a, b, column);
     }
-    throw std::runtime_error("Sort Error");
+    throw std::runtime_error(CameraListModel::tr("Sort Error").toStdString());
 }
 
 } // namespace

@@ -12,9 +12,15 @@
 
 namespace {
 
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(ConnectedCameras)
+};
+
 [[noreturn]] void fail(const char* text)
 {
-    throw std::runtime_error(QCoreApplication::translate("ConnectedCameras", text).toStdString());
+    throw std::runtime_error(Text::tr(text).toStdString());
 }
 
 template <std::size_t size>

@@ -11,7 +11,7 @@ ImageMemory::ImageMemory(CameraSdk& sdk, CameraSdk::Handle handle, const ImageIn
         m_handle, static_cast<std::int32_t>(info.width), static_cast<std::int32_t>(info.height),
         static_cast<std::int32_t>(info.bitsPerPixel), &m_pointer, &m_id);
     if (result != 0) {
-        throw std::runtime_error("Can't allocate image memory.");
+        throw std::runtime_error(tr("Can't allocate image memory.").toStdString());
     }
 }
 

@@ -4,9 +4,13 @@
 #include "camera/CameraSdk.h"
 #include "camera/ImageInfo.h"
 
+#include <QCoreApplication>
+
 /// One image buffer of the SDK, for as long as the object lives. GUI thread.
 class ImageMemory final
 {
+    Q_DECLARE_TR_FUNCTIONS(ImageMemory)
+
 public:
     /// @param sdk must outlive the buffer.
     /// @throws std::runtime_error "Can't allocate image memory."

@@ -22,7 +22,7 @@ void ImageSequence::setUp(CameraSdk::Handle handle, std::size_t count, const Ima
     while (m_buffers.size() < count) {
         auto buffer = std::make_unique<ImageMemory>(m_sdk, m_handle, m_info);
         if (m_sdk.addToSequence(m_handle, buffer->pointer(), buffer->id()) != 0) {
-            throw std::runtime_error("Can't add buffer to sequence.");
+            throw std::runtime_error(tr("Can't add buffer to sequence.").toStdString());
         }
         m_buffers.push_back(std::move(buffer));
     }

@@ -5,12 +5,16 @@
 #include "camera/ImageInfo.h"
 #include "camera/ImageMemory.h"
 
+#include <QCoreApplication>
+
 #include <memory>
 #include <vector>
 
 /// The capture ring: the image buffers that live capture fills in turn. GUI thread.
 class ImageSequence final
 {
+    Q_DECLARE_TR_FUNCTIONS(ImageSequence)
+
 public:
     /// @param sdk must outlive the ring.
     explicit ImageSequence(CameraSdk& sdk);

@@ -1,16 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "cli/CameraSession.h"
 
-#include "camera/CameraListModel.h"
 #include "cli/Command.h"
 #include "cli/Console.h"
 #include "cli/Interruption.h"
+#include "cli/SeveralCameras.h"
 
 #include <QFileInfo>
 
 #include <utility>
 
 namespace {
+
+/// As CameraListModel::statusText() has it for people.
+const char* statusWord(const CameraItem& camera)
+{
+    if (camera.status == 0) {
+        return "free";
+    }
+    return camera.opened ? "opened" : "in use";
+}
 
 constexpr auto SettingsFile = "./VornHotpixelEditor.ini"; ///< as Camera::open() loads it
 
@@ -29,7 +38,7 @@ QJsonObject cli::cameraObject(const CameraItem& camera)
             {QStringLiteral("dev"), static_cast<qint64>(camera.devId)},
             {QStringLiteral("model"), camera.model},
             {QStringLiteral("serNo"), camera.serNo},
-            {QStringLiteral("status"), CameraListModel::statusText(camera)}};
+            {QStringLiteral("status"), QLatin1String(statusWord(camera))}};
 }
 
 CameraItem cli::chooseCamera(const QList<CameraItem>& cameras, const QString& name)
@@ -56,7 +65,7 @@ CameraItem cli::chooseCamera(const QList<CameraItem>& cameras, const QString& na
 }
 
 CameraSession::CameraSession(CommandContext& context, const QString& name)
-    : CameraSession(context, cli::chooseCamera(camera::connectedCameras(context.sdk()), name))
+    : CameraSession(context, cli::chosenCamera(context, name))
 {}
 
 CameraSession::CameraSession(CommandContext& context, CameraItem camera)

@@ -5,36 +5,14 @@
 #include "cli/CameraSession.h"
 #include "cli/Command.h"
 #include "cli/Console.h"
+#include "cli/TextTable.h"
 
 #include <QCoreApplication>
 #include <QJsonArray>
 
-#include <algorithm>
-#include <array>
+#include <vector>
 
 namespace {
-
-constexpr std::size_t ColumnCount = 5;
-using Row = std::array<QString, ColumnCount>;
-
-QString tableText(const std::vector<Row>& rows)
-{
-    std::array<qsizetype, ColumnCount> widths{};
-    for (const Row& row : rows) {
-        for (std::size_t column = 0; column < ColumnCount; ++column) {
-            widths[column] = std::max(widths[column], row[column].size());
-        }
-    }
-    QStringList lines;
-    for (const Row& row : rows) {
-        QString line;
-        for (std::size_t column = 0; column + 1 < ColumnCount; ++column) {
-            line += row[column].leftJustified(widths[column] + 2);
-        }
-        lines.append(line + row.back());
-    }
-    return lines.join(u'\n');
-}
 
 class CamerasCommand
 {
@@ -50,9 +28,10 @@ public:
                     CommandContext& context)
     {
         const QList<CameraItem> cameras = camera::connectedCameras(context.sdk());
-        Report report(context.console, context.json);
+        Report report(context);
         QJsonArray array;
-        std::vector<Row> rows{{tr("Cam"), tr("Dev"), tr("Model"), tr("SerNo"), tr("Status")}};
+        std::vector<QStringList> rows{
+            {tr("Cam"), tr("Dev"), tr("Model"), tr("SerNo"), tr("Status")}};
         for (const CameraItem& camera : cameras) {
             array.append(cli::cameraObject(camera));
             rows.push_back({QString::number(camera.camId), QString::number(camera.devId),
@@ -60,7 +39,7 @@ public:
         }
         report.insert("cameras", array);
         if (!cameras.isEmpty()) {
-            report.line(tableText(rows));
+            report.line(cli::tableText(rows));
         } else if (!context.json) {
             context.console.notice(tr("No camera is connected."));
         }
@@ -78,7 +57,8 @@ Command cameras()
             .summary = CamerasCommand::tr("List the connected cameras."),
             .description = CamerasCommand::tr(
                 "Lists the connected cameras. Any other command takes the Dev number or the\n"
-                "serial number (SerNo) to name one of them; only a free camera can be opened."),
+                "serial number (SerNo) to name one of them, several of them, or \"all\"; only a\n"
+                "free camera can be opened."),
             .options = CamerasCommand::options,
             .run = CamerasCommand::run};
 }

@@ -3,6 +3,7 @@
 
 #include "camera/CameraSdk.h"
 #include "cli/Console.h"
+#include "cli/SeveralCameras.h"
 #include "darkframes/FrameFile.h"
 
 #include <QCommandLineParser>
@@ -20,6 +21,10 @@
     COMMAND(survey)                                                                                \
     COMMAND(detect)                                                                                \
     COMMAND(write)                                                                                 \
+    COMMAND(check)                                                                                 \
+    COMMAND(correction)                                                                            \
+    COMMAND(backups)                                                                               \
+    COMMAND(restore)                                                                               \
     COMMAND(convert)                                                                               \
     COMMAND(diff)                                                                                  \
     COMMAND(merge)
@@ -43,13 +48,15 @@ constexpr auto Repeated = "...";
 /// @throws cli::UsageError when they are too few or too many.
 void checkCount(const QStringList& values, const QStringList& arguments)
 {
-    if (values.size() < arguments.size()) {
+    const auto isNecessary = [](const QString& argument) { return !argument.startsWith(u'['); };
+    if (values.size() < std::ranges::count_if(arguments, isNecessary)) {
         QString missing = arguments[values.size()];
         throw cli::UsageError(
             Companion::tr("%1 is missing.").arg(missing.remove(QLatin1String(Repeated))));
     }
-    const bool anyNumber =
-        !arguments.isEmpty() && arguments.last().endsWith(QLatin1String(Repeated));
+    const bool anyNumber = std::ranges::any_of(arguments, [](const QString& argument) {
+        return argument.contains(QLatin1String(Repeated));
+    });
     if (values.size() > arguments.size() && !anyNumber) {
         throw cli::UsageError(Companion::tr("\"%1\" is too much.").arg(values[arguments.size()]));
     }
@@ -147,9 +154,10 @@ void Companion::runWithoutCommand(const QStringList& arguments)
         description +=
             QStringLiteral("  %1  %2\n").arg(callOf(command).leftJustified(width), command.summary);
     }
-    description += u'\n' + tr("CAMERA is a Dev number or a serial number. The help of a command:\n"
-                              "\"%1 COMMAND --help\". The exit status is 0, 1 when the command\n"
-                              "failed, or 2 when it was called wrongly.")
+    description += u'\n' + tr("CAMERA is a Dev number or a serial number, several of them, or\n"
+                              "\"all\". The help of a command: \"%1 COMMAND --help\".\n"
+                              "The exit status is 0, 1 when the command failed, or 2 when it was\n"
+                              "called wrongly.")
                                .arg(m_program);
     QCommandLineParser parser;
     parser.setApplicationDescription(description);
@@ -183,7 +191,12 @@ int Companion::runCommand(const Command& command, const QStringList& arguments)
                            m_interruption,
                            parser.isSet(QLatin1String(JsonOption)),
                            m_commandLine};
-    command.run(values, parser, context);
+    const qsizetype cameras = command.cameras(values, parser);
+    if (cli::nameSeveral(values.first(cameras))) {
+        cli::runForEach(command, values.first(cameras), values.sliced(cameras), parser, context);
+    } else {
+        command.run(values, parser, context);
+    }
     return context.status;
 }
 
@@ -191,7 +204,8 @@ bool Companion::parse(QCommandLineParser& parser, const QString& usage,
                       const QStringList& arguments)
 {
     parser.addOptions(
-        {{QLatin1String(JsonOption), tr("Print the results as one JSON object.")},
+        {{QLatin1String(JsonOption),
+          tr("Print the results as one JSON object, with several cameras as one on a line each.")},
          {{QStringLiteral("h"), QLatin1String(HelpOption)}, tr("Print this help.")},
          {{QStringLiteral("v"), QLatin1String(VersionOption)}, tr("Print the version.")}});
     if (!parser.parse(QStringList(m_program) + arguments)) {

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "cli/Console.h"
 
+#include "cli/Command.h"
 #include "cli/Interruption.h"
+#include "cli/SeveralCameras.h"
 
 #include <QByteArray>
 #include <QJsonDocument>
@@ -159,9 +161,17 @@ void Console::clearProgressLine()
     m_progressLine.clear();
 }
 
+Report::Report(CommandContext& context)
+    : m_console(context.console)
+    , m_json(context.json)
+    , m_share(context.share)
+{}
+
 Report::~Report()
 {
-    if (m_json && !m_object.isEmpty()) {
+    if (m_share != nullptr) {
+        m_share->object = m_object;
+    } else if (m_json && !m_object.isEmpty()) {
         m_console.json(m_object);
     }
 }
@@ -176,6 +186,13 @@ void Report::line(const QString& text)
 void Report::insert(const char* key, const QJsonValue& value)
 {
     m_object.insert(QLatin1String(key), value);
+}
+
+void Report::setSummary(const QString& text)
+{
+    if (m_share != nullptr) {
+        m_share->summary = text;
+    }
 }
 
 ProgressBar::ProgressBar(Console& console, QString label, int total)

@@ -12,6 +12,8 @@
 #include <thread>
 
 class Interruption;
+struct CameraShare;
+struct CommandContext;
 
 /// Where a command talks: results to standard output, notices, errors and the progress line to
 /// standard error, questions to the terminal, all in UTF-8. Any thread; a line is never torn by
@@ -69,7 +71,8 @@ private:
 };
 
 /// The results of a command: lines for people as they come, or one object for machines when the
-/// report goes, also when it does with an exception.
+/// report goes, also when it does with an exception. The object of one of several cameras goes to
+/// its CameraShare instead of the console.
 class Report
 {
 public:
@@ -80,6 +83,9 @@ public:
         , m_json(json)
     {}
 
+    /// As the context says it, which must outlive the report.
+    explicit Report(CommandContext& context);
+
     /// Nothing is printed of an object that nothing was inserted into.
     ~Report();
 
@@ -89,9 +95,13 @@ public:
     void line(const QString& text);
     void insert(const char* key, const QJsonValue& value);
 
+    /// What the table of several cameras says about this one, in a few words.
+    void setSummary(const QString& text);
+
 private:
     Console& m_console;
     const bool m_json;
+    CameraShare* const m_share = nullptr;
     QJsonObject m_object;
 };
 

@@ -71,7 +71,7 @@ void ConvertCommand::run(const QStringList& values, const QCommandLineParser& pa
     }
     cli::checkListOutput(values[1], to);
 
-    Report report(context.console, context.json);
+    Report report(context);
     ReadList list =
         cli::readList(values[0], from,
                       {.size = writing.size, .lenient = cli::isLenient(parser), .maskValue = value},

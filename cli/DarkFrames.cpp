@@ -6,9 +6,12 @@
 #include "cli/Console.h"
 #include "cli/EntryText.h"
 #include "cli/Interruption.h"
+#include "cli/LiveDetection.h"
+#include "cli/SeveralCameras.h"
 #include "darkframes/FrameFile.h"
 #include "darkframes/FrameFolder.h"
 #include "darkframes/FrameStacker.h"
+#include "hotpixel/BadpixelListModel.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -72,7 +75,7 @@ namespace cli {
 
 QString frameArgument()
 {
-    return QStringLiteral("CAMERA|--frames PATH...");
+    return QStringLiteral("CAMERA...|--frames PATH...");
 }
 
 QList<QCommandLineOption> frameOptions()
@@ -91,7 +94,12 @@ bool takesFiles(const QCommandLineParser& parser)
     return parser.isSet(QLatin1String(FramesOption));
 }
 
-void checkFrameOptions(const QStringList& values, const QCommandLineParser& parser)
+qsizetype camerasUnlessFrames(const QStringList& values, const QCommandLineParser& parser)
+{
+    return takesFiles(parser) ? 0 : values.size();
+}
+
+void checkFrameOptions(const QCommandLineParser& parser)
 {
     if (parser.isSet(QLatin1String(BayerOption)) && parser.isSet(QLatin1String(MonoOption))) {
         throw UsageError(Text::tr("--bayer and --mono contradict each other."));
@@ -99,13 +107,31 @@ void checkFrameOptions(const QStringList& values, const QCommandLineParser& pars
     if (takesFiles(parser)) {
         return;
     }
-    if (values.size() > 1) {
-        throw UsageError(Text::tr("\"%1\" is too much.").arg(values[1]));
-    }
     if (toldMosaic(parser)) {
         throw UsageError(Text::tr("A camera says itself what sensor it has: --bayer and --mono are "
                                   "for --frames."));
     }
+}
+
+QList<QCommandLineOption> switchOptions(const std::vector<SdkSwitch>& switches)
+{
+    QList<QCommandLineOption> options;
+    for (const SdkSwitch& sdkSwitch : switches) {
+        options.append(QCommandLineOption(sdkSwitch.name, sdkSwitch.description));
+    }
+    return options;
+}
+
+CameraItem chooseForFrames(const QString& name, const QCommandLineParser& parser,
+                           CommandContext& context)
+{
+    CameraItem chosen = chosenCamera(context, name);
+    for (const SdkSwitch& sdkSwitch : context.switches) {
+        if (parser.isSet(sdkSwitch.name)) {
+            sdkSwitch.apply(context.sdk(), chosen.devId);
+        }
+    }
+    return chosen;
 }
 
 void makeFrameFolder(const QString& folder)
@@ -183,6 +209,18 @@ DarkFrames darkFramesOf(CameraSession& session, const QVector<QImage>& frames)
         {Text::tr("gain"), QString::number(camera.mastergain().value)},
         {Text::tr("rate"), Text::tr("%1 per second").arg(camera.framerate().value, 0, 'f', 2)}};
     return result;
+}
+
+DarkFrames takeDarkFrames(CameraSession& session, int skippedFrames, CommandContext& context)
+{
+    BadpixelListModel list;
+    QVector<QImage> images;
+    const LiveDetection::Result taken =
+        LiveDetection(session, list, context).takeFrames(images, skippedFrames);
+    if (taken.outcome != LiveDetection::Outcome::Found) {
+        throw CommandError(taken.message);
+    }
+    return darkFramesOf(session, images);
 }
 
 void saveFrames(const QVector<QImage>& frames, const QString& folder)

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "camera/ConnectedCameras.h"
+#include "camera/SdkExtras.h"
 #include "darkframes/DarkStack.h"
 #include "darkframes/HtmlReport.h"
 #include "darkframes/Mosaic.h"
@@ -45,9 +47,20 @@ QList<QCommandLineOption> frameOptions();
 /// Whether the values name files.
 [[nodiscard]] bool takesFiles(const QCommandLineParser& parser);
 
-/// @throws UsageError when the values and the options do not go together: more than one camera,
-/// both kinds of sensor, a kind of sensor that a camera says itself.
-void checkFrameOptions(const QStringList& values, const QCommandLineParser& parser);
+/// Which of the values name cameras: all of them, or none that name files.
+qsizetype camerasUnlessFrames(const QStringList& values, const QCommandLineParser& parser);
+
+/// @throws UsageError when the options do not go together: both kinds of sensor, a kind of sensor
+/// that a camera says itself.
+void checkFrameOptions(const QCommandLineParser& parser);
+
+/// The switches of the SDK, as options of a command that takes frames.
+QList<QCommandLineOption> switchOptions(const std::vector<SdkSwitch>& switches);
+
+/// The camera that @p name names, after the switches that were given have been applied to it.
+/// @throws CommandError when there is none, or more than one.
+CameraItem chooseForFrames(const QString& name, const QCommandLineParser& parser,
+                           CommandContext& context);
 
 /// Makes the folder that frames are saved to.
 /// @throws CommandError when it can't be made or has something in it.
@@ -65,6 +78,11 @@ DarkFrames readDarkFrames(const QStringList& values, const QCommandLineParser& p
 /// Adds up frames that an open camera has sent.
 /// @param frames of its size, 8 bits
 DarkFrames darkFramesOf(CameraSession& session, const QVector<QImage>& frames);
+
+/// Takes ten dark frames with an open camera; runs the event loop meanwhile.
+/// @param skippedFrames images that come first and are not used
+/// @throws CommandError why there are none.
+DarkFrames takeDarkFrames(CameraSession& session, int skippedFrames, CommandContext& context);
 
 /// Saves the frames of a camera.
 void saveFrames(const QVector<QImage>& frames, const QString& folder);

@@ -2,6 +2,7 @@
 // `detect`: finds hotpixels in dark frames of a camera or from files.
 
 #include "cli/CameraSession.h"
+#include "cli/CaptureSettings.h"
 #include "cli/Command.h"
 #include "cli/Console.h"
 #include "cli/DarkFrames.h"
@@ -11,6 +12,7 @@
 #include "cli/ListFiles.h"
 #include "cli/LiveDetection.h"
 #include "cli/PixelListFiles.h"
+#include "cli/SeveralCameras.h"
 #include "cli/SurveyOptions.h"
 #include "detection/DetectionRun.h"
 #include "hotpixel/BadpixelListModel.h"
@@ -21,11 +23,11 @@
 
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace {
 
 constexpr auto ClearOption = "clear";
-constexpr auto AutoOption = "auto";
 constexpr auto OutOption = "out";
 constexpr auto WriteOption = "write";
 constexpr auto LikeEditorOption = "like-editor";
@@ -33,9 +35,6 @@ constexpr auto FlickeringOption = "flickering";
 constexpr auto ReportOption = "report";
 constexpr auto CsvOption = "csv";
 constexpr auto SaveFramesOption = "save-frames";
-
-/// After the settings changed, one image may be waiting and one being exposed that don't have them.
-constexpr int FramesBeforeSettings = 2;
 
 QString outcomeWord(LiveDetection::Outcome outcome)
 {
@@ -72,11 +71,11 @@ private:
     struct Settings
     {
         cli::AskedRule rule;
+        CaptureSettings capture;
         bool files;
         bool likeEditor;
         bool flickering;
         bool clear;
-        bool automatic;
         bool write;
         bool save;
         QString fileName;              ///< to save the list to
@@ -93,8 +92,7 @@ private:
         std::vector<PixelPosition> user;
     };
 
-    static Settings settingsOf(const QStringList& values, const QCommandLineParser& parser,
-                               const CommandContext& context);
+    static Settings settingsOf(const QCommandLineParser& parser, const CommandContext& context);
     static void checkTogether(const Settings& settings);
 
     static void detectInFiles(const QStringList& values, const Settings& settings,
@@ -112,7 +110,6 @@ private:
                                         PixelValues& means, const CommandContext& context,
                                         Report& report);
 
-    static void reportRule(const HotRule& rule, Report& report);
     static void reportResult(const LiveDetection::Result& result, Report& report);
     static void reportFound(bool isBayer, std::span<const BadpixelEntry> found, const HotRule& rule,
                             const Settings& settings, Report& report);
@@ -124,6 +121,7 @@ QList<QCommandLineOption> DetectCommand::options(const std::vector<SdkSwitch>& s
 {
     QList<QCommandLineOption> options = cli::frameOptions();
     options += cli::ruleOptions();
+    options += CaptureSettings::options();
     options += {
         {QLatin1String(FlickeringOption),
          tr("Add the pixels that are hot in at least one image, but not in the mean.")},
@@ -133,11 +131,6 @@ QList<QCommandLineOption> DetectCommand::options(const std::vector<SdkSwitch>& s
         {QLatin1String(ClearOption),
          tr("Start without the user entries that the camera holds; the camera itself keeps them "
             "unless --write is given.")},
-        {QLatin1String(AutoOption),
-         tr("Set the camera to its longest exposure at one image per second and a gain of 50 "
-            "before. The first %1 images are not used then, since they may have been taken with "
-            "the settings before.")
-             .arg(FramesBeforeSettings)},
         {QLatin1String(OutOption),
          tr("Save the user entries, known and new, to the list file FILE."),
          QStringLiteral("FILE")},
@@ -153,16 +146,14 @@ QList<QCommandLineOption> DetectCommand::options(const std::vector<SdkSwitch>& s
         {QLatin1String(WriteOption),
          tr("Write the user entries, known and new, into the camera, as the command write does.")}};
     options += cli::writeOptions();
-    for (const SdkSwitch& sdkSwitch : switches) {
-        options.append(QCommandLineOption(sdkSwitch.name, sdkSwitch.description));
-    }
+    options += cli::switchOptions(switches);
     return options;
 }
 
 void DetectCommand::run(const QStringList& values, const QCommandLineParser& parser,
                         CommandContext& context)
 {
-    const Settings settings = settingsOf(values, parser, context);
+    const Settings settings = settingsOf(parser, context);
     if (settings.files) {
         detectInFiles(values, settings, parser, context);
     } else {
@@ -170,34 +161,38 @@ void DetectCommand::run(const QStringList& values, const QCommandLineParser& par
     }
 }
 
-DetectCommand::Settings DetectCommand::settingsOf(const QStringList& values,
-                                                  const QCommandLineParser& parser,
+DetectCommand::Settings DetectCommand::settingsOf(const QCommandLineParser& parser,
                                                   const CommandContext& context)
 {
-    cli::checkFrameOptions(values, parser);
-    Settings settings{.rule = cli::askedRule(parser, cli::takesFiles(parser)),
-                      .files = cli::takesFiles(parser),
-                      .likeEditor = parser.isSet(QLatin1String(LikeEditorOption)),
-                      .flickering = parser.isSet(QLatin1String(FlickeringOption)),
-                      .clear = parser.isSet(QLatin1String(ClearOption)),
-                      .automatic = parser.isSet(QLatin1String(AutoOption)),
-                      .write = parser.isSet(QLatin1String(WriteOption)),
-                      .save = parser.isSet(QLatin1String(OutOption)),
-                      .fileName = parser.value(QLatin1String(OutOption)),
-                      .format = &cli::outputFormat(parser.value(QLatin1String(OutOption)), parser),
-                      .csvFile = parser.value(QLatin1String(CsvOption)),
-                      .reportFile = parser.value(QLatin1String(ReportOption)),
-                      .frameFolder = parser.value(QLatin1String(SaveFramesOption))};
+    cli::checkFrameOptions(parser);
+    Settings settings{
+        .rule = cli::askedRule(parser, cli::takesFiles(parser)),
+        .capture = CaptureSettings(parser, cli::takesFiles(parser)),
+        .files = cli::takesFiles(parser),
+        .likeEditor = parser.isSet(QLatin1String(LikeEditorOption)),
+        .flickering = parser.isSet(QLatin1String(FlickeringOption)),
+        .clear = parser.isSet(QLatin1String(ClearOption)),
+        .write = parser.isSet(QLatin1String(WriteOption)),
+        .save = parser.isSet(QLatin1String(OutOption)),
+        .fileName = cli::outputName(parser, OutOption, QStringLiteral(".txt"), context),
+        .format = &cli::outputFormat(
+            cli::outputName(parser, OutOption, QStringLiteral(".txt"), context), parser),
+        .csvFile = cli::outputName(parser, CsvOption, QStringLiteral(".csv"), context),
+        .reportFile = cli::outputName(parser, ReportOption, QStringLiteral(".html"), context),
+        .frameFolder = cli::outputName(parser, SaveFramesOption, {}, context)};
     checkTogether(settings);
     if (settings.write) {
         cli::checkWriteOptions(parser, context);
+    } else if (cli::isDryRun(parser)) {
+        throw cli::UsageError(tr("--dry-run shows what --write would do, which is missing."));
     }
     if (settings.save) {
         cli::checkListOutput(settings.fileName, *settings.format);
     }
-    for (const char* option : {CsvOption, ReportOption}) {
+    for (const auto& [option, fileName] :
+         {std::pair(CsvOption, settings.csvFile), {ReportOption, settings.reportFile}}) {
         if (parser.isSet(QLatin1String(option))) {
-            cli::checkOutputFile(parser.value(QLatin1String(option)));
+            cli::checkOutputFile(fileName);
         }
     }
     if (parser.isSet(QLatin1String(SaveFramesOption))) {
@@ -208,7 +203,7 @@ DetectCommand::Settings DetectCommand::settingsOf(const QStringList& values,
 
 void DetectCommand::checkTogether(const Settings& settings)
 {
-    if (settings.files && (settings.clear || settings.automatic || settings.write)) {
+    if (settings.files && (settings.clear || settings.write)) {
         throw cli::UsageError(tr("--clear, --auto and --write are for a camera, and --frames takes "
                                  "none."));
     }
@@ -229,11 +224,11 @@ void DetectCommand::checkTogether(const Settings& settings)
 void DetectCommand::detectInFiles(const QStringList& values, const Settings& settings,
                                   const QCommandLineParser& parser, CommandContext& context)
 {
-    Report report(context.console, context.json);
+    Report report(context);
     const DarkFrames frames = cli::readDarkFrames(values, parser, 1, settings.frameFolder, context);
     const HotRule rule = cli::ruleFor(settings.rule, frames.stack.info().bitsPerPixel);
     cli::reportFiles(frames, report);
-    reportRule(rule, report);
+    cli::reportRule(rule, report);
 
     ListWriting writing{.size = {static_cast<int>(frames.stack.info().width),
                                  static_cast<int>(frames.stack.info().height)}};
@@ -254,24 +249,15 @@ void DetectCommand::detectInFiles(const QStringList& values, const Settings& set
 void DetectCommand::detectWithCamera(const QString& name, const Settings& settings,
                                      const QCommandLineParser& parser, CommandContext& context)
 {
-    Report report(context.console, context.json);
-    const CameraItem chosen = cli::chooseCamera(camera::connectedCameras(context.sdk()), name);
-    for (const SdkSwitch& sdkSwitch : context.switches) {
-        if (parser.isSet(sdkSwitch.name)) {
-            sdkSwitch.apply(context.sdk(), chosen.devId);
-        }
-    }
-
-    CameraSession session(context, chosen);
+    Report report(context);
+    CameraSession session(context, cli::chooseForFrames(name, parser, context));
     BadpixelListModel list;
     readLists(session.camera(), list);
-    if (settings.automatic) {
-        session.camera().setAutoConfig();
-    }
+    settings.capture.apply(session.camera());
     constexpr std::uint32_t CameraBits = 8;
     const HotRule rule = cli::ruleFor(settings.rule, CameraBits);
     cli::reportCamera(session, report);
-    reportRule(rule, report);
+    cli::reportRule(rule, report);
 
     // The run itself clears the list, so what is known is counted as it will find it.
     const Known known = knownIn(list, settings.clear);
@@ -285,6 +271,9 @@ void DetectCommand::detectWithCamera(const QString& name, const Settings& settin
                     .arg(known.user.size()));
     reportFound(session.camera().colorMode() == camera::ColorModeBayer8, found, rule, settings,
                 report);
+    if (found.empty()) {
+        cli::reportShortExposure(session.camera().exposure().value, report);
+    }
 
     if (!settings.write) {
         cli::noteEntriesBeside(list.entries(), session.camera().imageWidth(), context.console);
@@ -318,7 +307,7 @@ void DetectCommand::run(CameraSession& session, BadpixelListModel& list, const S
                         const Known& known, PixelValues& means, CommandContext& context,
                         Report& report)
 {
-    const int skippedFrames = settings.automatic ? FramesBeforeSettings : 0;
+    const int skippedFrames = settings.capture.skippedFrames();
     const int images = skippedFrames + DetectionRun::FrameCount + 1;
     const double framesPerSecond = session.camera().framerate().value;
     if (framesPerSecond > 0) {
@@ -385,15 +374,6 @@ LiveDetection::Result DetectCommand::findIn(const DarkFrames& frames, BadpixelLi
     return result;
 }
 
-void DetectCommand::reportRule(const HotRule& rule, Report& report)
-{
-    if (rule.sigma) {
-        report.insert("sigma", *rule.sigma);
-    } else {
-        report.insert("threshold", static_cast<qint64>(rule.threshold));
-    }
-}
-
 void DetectCommand::reportResult(const LiveDetection::Result& result, Report& report)
 {
     if (result.outcome == LiveDetection::Outcome::Found) {
@@ -410,12 +390,10 @@ void DetectCommand::reportFound(bool isBayer, std::span<const BadpixelEntry> fou
                                 const HotRule& rule, const Settings& settings, Report& report)
 {
     report.insert("found", static_cast<qint64>(found.size()));
+    report.setSummary(tr("%1 new").arg(found.size()));
     report.insert("pixels", cli::entryArray(found));
-    const QString plane = isBayer ? tr(" of their plane") : QString();
-    const QString limit = rule.sigma ? tr("%1 robust deviations above the median").arg(*rule.sigma)
-                                     : tr("%1 grey levels above the mean").arg(rule.threshold);
-    report.line(
-        tr("New hotpixels, more than %1%2: %3").arg(limit, plane, QString::number(found.size())));
+    report.line(tr("New hotpixels, %1: %2")
+                    .arg(cli::ruleText(rule, isBayer), QString::number(found.size())));
     if (isBayer) {
         report.line(cli::planeText(found));
         report.insert("planes", cli::planeArray(found));
@@ -455,15 +433,17 @@ Command detect()
             .arguments = {cli::frameArgument()},
             .summary = DetectCommand::tr("Find hotpixels in dark frames."),
             .description = DetectCommand::tr(
-                "Takes ten images with CAMERA (a Dev number or a serial number), whose sensor\n"
-                "has to be covered, or all frames from files, and finds the pixels that are\n"
-                "brighter than the mean in all of them together. On a Bayer sensor each of the\n"
-                "four planes has a mean of its own. What the camera's lists hold already is not\n"
-                "reported again.\n\n"
+                "Takes ten images with each CAMERA (a Dev number, a serial number, or \"all\"),\n"
+                "whose sensor has to be covered, or all frames from files, and finds the pixels\n"
+                "that are brighter than the mean in all of them together. On a Bayer sensor each\n"
+                "of the four planes has a mean of its own. What the camera's lists hold already\n"
+                "is not reported again. With several cameras the options that name a file name a\n"
+                "folder, in which each camera has its own.\n\n"
                 "A scene that is not dark, and more hotpixels than the camera can store, end\n"
                 "the detection with status 1 and change nothing."),
             .options = DetectCommand::options,
-            .run = DetectCommand::run};
+            .run = DetectCommand::run,
+            .cameras = cli::camerasUnlessFrames};
 }
 
 } // namespace cli::commands

@@ -86,7 +86,7 @@ void DiffCommand::run(const QStringList& values, const QCommandLineParser& parse
     const PixelListDifference difference =
         pixellists::difference(lists[0].pixels, lists[1].pixels, tolerance);
 
-    Report report(context.console, context.json);
+    Report report(context);
     QJsonArray sources;
     for (const ReadList& list : lists) {
         cli::reportRead(list, report);

@@ -10,6 +10,12 @@
 
 namespace {
 
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(EntryText)
+};
+
 constexpr qsizetype LineWidth = 79;
 constexpr qsizetype Indent = 2;
 constexpr qsizetype Gap = 2;
@@ -51,8 +57,7 @@ QJsonArray cli::entryArray(std::span<const BadpixelEntry> entries)
 
 QString cli::entryCount(std::size_t count)
 {
-    return count == 1 ? QCoreApplication::translate("EntryText", "1 entry")
-                      : QCoreApplication::translate("EntryText", "%1 entries").arg(count);
+    return count == 1 ? Text::tr("1 entry") : Text::tr("%1 entries").arg(count);
 }
 
 QString cli::sizeText(const QSize& size)
@@ -63,14 +68,19 @@ QString cli::sizeText(const QSize& size)
         .arg(size.height());
 }
 
-QString cli::BayerPlane::name() const
+const char* cli::BayerPlane::name() const
 {
     static constexpr std::array Names{QT_TRANSLATE_NOOP("EntryText", "even columns, even rows"),
                                       QT_TRANSLATE_NOOP("EntryText", "even columns, odd rows"),
                                       QT_TRANSLATE_NOOP("EntryText", "odd columns, even rows"),
                                       QT_TRANSLATE_NOOP("EntryText", "odd columns, odd rows")};
     const std::size_t index = (oddColumns ? 2U : 0U) + (oddRows ? 1U : 0U);
-    return QCoreApplication::translate("EntryText", Names[index]);
+    return Names[index];
+}
+
+QString cli::BayerPlane::title() const
+{
+    return Text::tr(name());
 }
 
 std::array<cli::BayerPlane, 4> cli::foundPerPlane(std::span<const BadpixelEntry> entries)
@@ -93,7 +103,7 @@ QString cli::planeText(std::span<const BadpixelEntry> entries)
     QStringList lines;
     for (const BayerPlane& plane : foundPerPlane(entries)) {
         lines.append(QStringLiteral("  %1%2")
-                         .arg(plane.name().leftJustified(NameWidth))
+                         .arg(plane.title().leftJustified(NameWidth))
                          .arg(plane.found, NumberWidth));
     }
     return lines.join(u'\n');
@@ -105,7 +115,7 @@ QJsonArray cli::planeArray(std::span<const BadpixelEntry> entries)
     for (const BayerPlane& plane : foundPerPlane(entries)) {
         array.append(QJsonObject{{QStringLiteral("oddColumns"), plane.oddColumns},
                                  {QStringLiteral("oddRows"), plane.oddRows},
-                                 {QStringLiteral("name"), plane.name()},
+                                 {QStringLiteral("name"), QLatin1String(plane.name())},
                                  {QStringLiteral("found"), static_cast<qint64>(plane.found)}});
     }
     return array;

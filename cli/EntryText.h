@@ -37,8 +37,10 @@ struct BayerPlane
     bool oddRows;
     std::size_t found = 0;
 
-    /// "even columns, odd rows" and the like
-    [[nodiscard]] QString name() const;
+    /// "even columns, odd rows" and the like, for machines
+    [[nodiscard]] const char* name() const;
+    /// The same for people.
+    [[nodiscard]] QString title() const;
 };
 
 /// How many of @p entries lie in each plane.

@@ -20,6 +20,13 @@ struct Text
     Q_DECLARE_TR_FUNCTIONS(ExactDetection)
 };
 
+QString tooManyText(const ListFull& error, std::size_t found)
+{
+    return Text::tr("%1 The frames hold %2 hotpixels; none was taken over.")
+        .arg(QString::fromUtf8(error.what()))
+        .arg(found);
+}
+
 } // namespace
 
 namespace cli {
@@ -52,9 +59,7 @@ LiveDetection::Result addFound(std::span<const PixelPosition> found, BadpixelLis
         LiveDetection::Result result;
         result.outcome = LiveDetection::Outcome::TooMany;
         result.foundWithoutLimit = static_cast<int>(found.size());
-        result.message = Text::tr("%1 The frames hold %2 hotpixels; none was taken over.")
-                             .arg(QString::fromUtf8(error.what()))
-                             .arg(found.size());
+        result.message = tooManyText(error, found.size());
         return result;
     }
     return {};

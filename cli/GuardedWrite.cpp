@@ -19,6 +19,20 @@ constexpr int PutBackAttempts = 3;
 
 constexpr auto YesOption = "yes";
 constexpr auto AllowEmptyOption = "allow-empty";
+constexpr auto DryRunOption = "dry-run";
+
+/// @param asks whether a question follows, before which a person has to see it in any case
+void reportChange(const cli::ListChange& change, const cli::NewList& list, bool asks,
+                  CommandContext& context, Report& report)
+{
+    for (const QString& line : cli::changeLines(change, list)) {
+        if (context.json && asks) {
+            context.console.notice(line);
+        }
+        report.line(line);
+    }
+    report.setSummary(change.summary());
+}
 
 } // namespace
 
@@ -103,11 +117,21 @@ QList<QCommandLineOption> cli::writeOptions()
          GuardedWrite::tr("Write into the camera without asking before.")},
         {QLatin1String(AllowEmptyOption),
          GuardedWrite::tr("Wipe the user list in the camera when the new one is empty.")},
+        {QLatin1String(DryRunOption),
+         GuardedWrite::tr("Show what would change in the camera, and write nothing.")},
     };
+}
+
+bool cli::isDryRun(const QCommandLineParser& parser)
+{
+    return parser.isSet(QLatin1String(DryRunOption));
 }
 
 void cli::checkWriteOptions(const QCommandLineParser& parser, const CommandContext& context)
 {
+    if (isDryRun(parser)) {
+        return;
+    }
     if (!parser.isSet(QLatin1String(YesOption)) && !context.console.canAsk()) {
         throw UsageError(GuardedWrite::tr(
             "There is no terminal to ask whether to overwrite the camera's list; use --yes."));
@@ -134,26 +158,44 @@ void cli::writeUserEntries(CameraSession& session, std::span<const BadpixelEntry
                            const QCommandLineParser& parser, CommandContext& context,
                            Report& report)
 {
-    Camera& camera = session.camera();
+    const Camera& camera = session.camera();
     const SensorEntries wanted =
         userEntriesOf(entries, {camera.imageWidth(), camera.imageHeight()});
     noteEntriesBeside(entries, camera.imageWidth(), context.console);
-    GuardedWrite guarded(CameraLists(camera), session.description().serNo, backupFolder());
-    guarded.check(wanted.entries);
+    NewList list = withoutRepetitions(wanted.entries, CameraLists(camera).factoryEntries());
+    list.beside = wanted.beside;
+    replaceUserList(session, list, parser, context, report);
+}
+
+void cli::replaceUserList(CameraSession& session, const NewList& list,
+                          const QCommandLineParser& parser, CommandContext& context, Report& report)
+{
+    GuardedWrite guarded(CameraLists(session.camera()), session.description().serNo,
+                         backupFolder());
+    guarded.check(list.entries);
+    const bool asks = !isDryRun(parser) && !parser.isSet(QLatin1String(YesOption));
+    const ListChange change(guarded.oldEntries(), list.entries);
+    reportChange(change, list, asks, context, report);
+
     const QString replaced = entryCount(guarded.oldEntries().size());
-    const QString written = entryCount(wanted.entries.size());
-    if (wanted.entries.empty() && !guarded.oldEntries().empty() &&
+    const QString written = entryCount(list.entries.size());
+    if (list.entries.empty() && !guarded.oldEntries().empty() &&
         !parser.isSet(QLatin1String(AllowEmptyOption))) {
         throw CommandError(
             GuardedWrite::tr("The new list is empty; use --allow-empty to wipe the user list in "
                              "the camera (%1).")
                 .arg(replaced));
     }
-    if (!parser.isSet(QLatin1String(YesOption)) &&
-        !context.console.confirm(
-            GuardedWrite::tr("Replace the user list in the camera (%1) by the new one (%2)?")
-                .arg(replaced, written),
-            context.interruption)) {
+    report.insert("changes", changeObject(change, list));
+    if (isDryRun(parser)) {
+        report.line(GuardedWrite::tr("Nothing was written."));
+        return;
+    }
+    if (asks && !context.console.confirm(
+                    GuardedWrite::tr("Replace the user list in the camera (%1) by the new one "
+                                     "(%2)?")
+                        .arg(replaced, written),
+                    context.interruption)) {
         session.checkInterruption();
         throw CommandError(GuardedWrite::tr("Nothing was written."));
     }
@@ -169,8 +211,8 @@ void cli::writeUserEntries(CameraSession& session, std::span<const BadpixelEntry
     report.line(GuardedWrite::tr("The list before (%1) is saved in %2").arg(replaced, backup));
     report.insert(
         "written",
-        QJsonObject{{QStringLiteral("entries"), static_cast<qint64>(wanted.entries.size())},
-                    {QStringLiteral("besideSensor"), wanted.beside},
+        QJsonObject{{QStringLiteral("entries"), static_cast<qint64>(list.entries.size())},
+                    {QStringLiteral("besideSensor"), list.beside},
                     {QStringLiteral("replaced"), static_cast<qint64>(guarded.oldEntries().size())},
                     {QStringLiteral("backup"), backup}});
 }

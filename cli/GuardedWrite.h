@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "cli/ListChange.h"
 #include "hotpixel/BadpixelEntry.h"
 #include "hotpixel/CameraLists.h"
 
@@ -64,16 +65,19 @@ private:
     std::vector<BadpixelEntry> m_oldEntries;
 };
 
-// What `write` and `detect --write` share: the guarded write with its question, and what is said
-// about it.
+// What `write`, `detect --write` and `restore` share: the guarded write with what it changes and
+// its question, and what is said about it.
 
 namespace cli {
 
-/// --yes and --allow-empty
+/// --yes, --allow-empty and --dry-run
 QList<QCommandLineOption> writeOptions();
 
+/// Whether nothing is to be written, only shown.
+[[nodiscard]] bool isDryRun(const QCommandLineParser& parser);
+
 /// Makes sure that the question can be answered and the old list be saved before anything else is
-/// done.
+/// done. A dry run needs neither.
 /// @throws UsageError when it can't be answered, and --yes is missing.
 /// @throws CommandError when there is no place for a backup.
 void checkWriteOptions(const QCommandLineParser& parser, const CommandContext& context);
@@ -82,10 +86,16 @@ void checkWriteOptions(const QCommandLineParser& parser, const CommandContext& c
 /// detection finds any. writeUserEntries() does so itself.
 void noteEntriesBeside(std::span<const BadpixelEntry> entries, int sensorWidth, Console& console);
 
-/// Replaces the user list in the open camera by the user entries among @p entries, asks before
-/// unless --yes is given, and reports what was done, to machines as "written". A list is replaced
-/// by an empty one only with --allow-empty.
+/// Replaces the user list in the open camera by @p list. Reports what that changes, to machines as
+/// "changes", where a dry run ends; asks unless --yes is given, and reports what was done, to
+/// machines as "written". A list is replaced by an empty one only with --allow-empty.
 /// @throws CommandError when the answer is no, when the entries don't fit, or when writing fails.
+void replaceUserList(CameraSession& session, const NewList& list, const QCommandLineParser& parser,
+                     CommandContext& context, Report& report);
+
+/// The same with the user entries among @p entries, each of them once and without those that the
+/// camera's factory list holds.
+/// @throws CommandError also for an entry outside the sensor.
 void writeUserEntries(CameraSession& session, std::span<const BadpixelEntry> entries,
                       const QCommandLineParser& parser, CommandContext& context, Report& report);
 

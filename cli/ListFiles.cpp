@@ -3,6 +3,7 @@
 
 #include "cli/Command.h"
 #include "cli/EntryText.h"
+#include "cli/SeveralCameras.h"
 #include "hotpixel/BadpixelListFile.h"
 
 #include <QByteArrayList>
@@ -10,7 +11,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QStandardPaths>
 #include <QTemporaryFile>
 
@@ -263,9 +263,8 @@ QString saveBackup(const QString& folder, const QString& serNo, const QDateTime&
     }
 
     const QDir target(folder);
-    QString name = serNo;
-    name.replace(QRegularExpression(QStringLiteral("[^A-Za-z0-9_-]")), QStringLiteral("_"));
-    name += time.toString(QStringLiteral("'-user-list-'yyyyMMdd-HHmmss"));
+    const QString name =
+        fileNamePart(serNo) + time.toString(QStringLiteral("'-user-list-'yyyyMMdd-HHmmss"));
     for (int number = 1; number <= MaxFilesPerSecond; ++number) {
         const QString suffix = number == 1 ? QString() : QStringLiteral("-%1").arg(number);
         const QString fileName = target.filePath(name + suffix + QStringLiteral(".txt"));

@@ -63,7 +63,7 @@ void MergeCommand::run(const QStringList& values, const QCommandLineParser& pars
     cli::checkListOutput(fileName, format);
 
     const std::vector<ReadList> lists = cli::readLists(values, parser, context);
-    Report report(context.console, context.json);
+    Report report(context);
     std::vector<PixelList> pixels;
     std::size_t read = 0;
     QJsonArray sources;

@@ -6,6 +6,7 @@
 #include "cli/Console.h"
 #include "cli/EntryText.h"
 #include "cli/PixelListFiles.h"
+#include "cli/SeveralCameras.h"
 #include "hotpixel/CameraLists.h"
 
 #include <QCommandLineParser>
@@ -30,7 +31,8 @@ public:
     static void run(const QStringList& values, const QCommandLineParser& parser,
                     CommandContext& context)
     {
-        const QString fileName = parser.value(QLatin1String(OutOption));
+        const QString fileName =
+            cli::outputName(parser, OutOption, QStringLiteral(".txt"), context);
         const bool save = parser.isSet(QLatin1String(OutOption));
         const PixelListFormat& format = cli::outputFormat(fileName, parser);
         if (save) {
@@ -42,7 +44,7 @@ public:
         const int capacity = lists.maxUserEntries();
         const std::vector<BadpixelEntry> factory = lists.factoryEntries();
         const std::vector<BadpixelEntry> user = lists.userEntries();
-        Report report(context.console, context.json);
+        Report report(context);
         const auto list = [&report](const char* key, const QString& title,
                                     const std::vector<BadpixelEntry>& entries) {
             report.insert(key, cli::entryArray(entries));
@@ -57,6 +59,7 @@ public:
         list("factory", tr("Factory list: %1").arg(cli::entryCount(factory.size())), factory);
         list("user",
              tr("User list: %1, at most %2").arg(cli::entryCount(user.size())).arg(capacity), user);
+        report.setSummary(tr("%1 factory, %2 user").arg(factory.size()).arg(user.size()));
         if (save) {
             const QSize sensor(session.camera().imageWidth(), session.camera().imageHeight());
             const QString account = cli::saveUserEntries(
@@ -77,13 +80,15 @@ namespace cli::commands {
 Command read()
 {
     return {.name = QStringLiteral("read"),
-            .arguments = {QStringLiteral("CAMERA")},
+            .arguments = {QStringLiteral("CAMERA...")},
             .summary = ReadCommand::tr("Read the hotpixel lists from a camera."),
             .description = ReadCommand::tr(
-                "Reads the factory list and the user list from the EEPROM of CAMERA, which is a\n"
-                "Dev number or a serial number."),
+                "Reads the factory list and the user list from the EEPROM of each CAMERA (a Dev\n"
+                "number, a serial number, or \"all\"). With several of them --out names a folder,\n"
+                "and each list is saved there under the serial number."),
             .options = ReadCommand::options,
-            .run = ReadCommand::run};
+            .run = ReadCommand::run,
+            .cameras = cli::allAreCameras};
 }
 
 } // namespace cli::commands

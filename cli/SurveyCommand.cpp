@@ -2,14 +2,14 @@
 // `survey`: looks at dark frames of a camera or from files, and changes nothing.
 
 #include "cli/CameraSession.h"
+#include "cli/CaptureSettings.h"
 #include "cli/Command.h"
 #include "cli/Console.h"
 #include "cli/DarkFrames.h"
 #include "cli/ListFiles.h"
-#include "cli/LiveDetection.h"
+#include "cli/SeveralCameras.h"
 #include "cli/SurveyOptions.h"
 #include "darkframes/SurveyOutput.h"
-#include "hotpixel/BadpixelListModel.h"
 #include "hotpixel/CameraLists.h"
 
 #include <QCommandLineParser>
@@ -35,15 +35,17 @@ public:
                     CommandContext& context);
 
 private:
-    /// The hotpixels that a camera knows, and how many it can.
+    /// The hotpixels that a camera knows, how many it can, and how it took its frames.
     struct Known
     {
         std::vector<PixelPosition> factory;
         std::vector<PixelPosition> user;
         std::optional<std::uint64_t> capacity;
+        std::optional<double> exposureMsec; ///< of the frames, where a camera took them
     };
 
     static std::pair<DarkFrames, Known> fromCamera(const QString& name,
+                                                   const CaptureSettings& capture,
                                                    const QCommandLineParser& parser,
                                                    CommandContext& context, Report& report);
     static std::optional<ListRoom> roomIn(const DarkFrames& frames, const Survey& survey,
@@ -54,23 +56,23 @@ QList<QCommandLineOption> SurveyCommand::options(const std::vector<SdkSwitch>& s
 {
     QList<QCommandLineOption> options = cli::frameOptions();
     options += cli::ruleOptions();
+    options += CaptureSettings::options();
     options += {{QLatin1String(CapacityOption),
                  tr("With --frames: tell which threshold fills a list of N entries."),
                  QStringLiteral("N")},
                 {QLatin1String(ReportOption), tr("Save a report with diagrams as a page of HTML."),
                  QStringLiteral("FILE")}};
-    for (const SdkSwitch& sdkSwitch : switches) {
-        options.append(QCommandLineOption(sdkSwitch.name, sdkSwitch.description));
-    }
+    options += cli::switchOptions(switches);
     return options;
 }
 
 void SurveyCommand::run(const QStringList& values, const QCommandLineParser& parser,
                         CommandContext& context)
 {
-    cli::checkFrameOptions(values, parser);
+    cli::checkFrameOptions(parser);
     const bool files = cli::takesFiles(parser);
     const cli::AskedRule asked = cli::askedRule(parser, files);
+    const CaptureSettings capture(parser, files);
     Known known;
     if (parser.isSet(QLatin1String(CapacityOption))) {
         if (!files) {
@@ -80,19 +82,20 @@ void SurveyCommand::run(const QStringList& values, const QCommandLineParser& par
         known.capacity =
             cli::numberOf(parser, CapacityOption, tr("The capacity"), 0, GreatestCapacity);
     }
-    const QString reportFile = parser.value(QLatin1String(ReportOption));
+    const QString reportFile =
+        cli::outputName(parser, ReportOption, QStringLiteral(".html"), context);
     if (parser.isSet(QLatin1String(ReportOption))) {
         cli::checkOutputFile(reportFile);
     }
 
-    Report report(context.console, context.json);
+    Report report(context);
     std::optional<DarkFrames> frames;
     if (files) {
         // A single one says nothing about noise.
         constexpr std::uint32_t LeastFrames = 2;
         frames = cli::readDarkFrames(values, parser, LeastFrames, QString(), context);
     } else {
-        auto [taken, inCamera] = fromCamera(values.front(), parser, context, report);
+        auto [taken, inCamera] = fromCamera(values.front(), capture, parser, context, report);
         frames = std::move(taken);
         known = std::move(inCamera);
     }
@@ -109,6 +112,12 @@ void SurveyCommand::run(const QStringList& values, const QCommandLineParser& par
         report.line(frames->source);
     }
     report.line(darkframes::surveyText(frames->stack, survey, findings, room));
+    report.setSummary(tr("%1 hot, %2 flickering")
+                          .arg(findings.pixels.hot.size())
+                          .arg(findings.pixels.flickering.size()));
+    if (known.exposureMsec && findings.pixels.hot.empty()) {
+        cli::reportShortExposure(*known.exposureMsec, report);
+    }
     if (!reportFile.isEmpty()) {
         const auto pixels =
             darkframes::foundPixels(frames->stack, survey, findings, known.factory, known.user);
@@ -121,29 +130,19 @@ void SurveyCommand::run(const QStringList& values, const QCommandLineParser& par
 }
 
 std::pair<DarkFrames, SurveyCommand::Known>
-SurveyCommand::fromCamera(const QString& name, const QCommandLineParser& parser,
-                          CommandContext& context, Report& report)
+SurveyCommand::fromCamera(const QString& name, const CaptureSettings& capture,
+                          const QCommandLineParser& parser, CommandContext& context, Report& report)
 {
-    const CameraItem chosen = cli::chooseCamera(camera::connectedCameras(context.sdk()), name);
-    for (const SdkSwitch& sdkSwitch : context.switches) {
-        if (parser.isSet(sdkSwitch.name)) {
-            sdkSwitch.apply(context.sdk(), chosen.devId);
-        }
-    }
-    CameraSession session(context, chosen);
+    CameraSession session(context, cli::chooseForFrames(name, parser, context));
+    capture.apply(session.camera());
     const CameraLists lists(session.camera());
     const Known known{cli::positionsOf(lists.factoryEntries(), FactoryPixel),
                       cli::positionsOf(lists.userEntries(), UserPixel),
-                      static_cast<std::uint64_t>(lists.maxUserEntries())};
+                      static_cast<std::uint64_t>(lists.maxUserEntries()),
+                      session.camera().exposure().value};
     cli::reportCamera(session, report);
 
-    BadpixelListModel list;
-    QVector<QImage> images;
-    const LiveDetection::Result taken = LiveDetection(session, list, context).takeFrames(images, 0);
-    if (taken.outcome != LiveDetection::Outcome::Found) {
-        throw cli::CommandError(taken.message);
-    }
-    return {cli::darkFramesOf(session, images), known};
+    return {cli::takeDarkFrames(session, capture.skippedFrames(), context), known};
 }
 
 std::optional<ListRoom> SurveyCommand::roomIn(const DarkFrames& frames, const Survey& survey,
@@ -167,14 +166,16 @@ Command survey()
             .arguments = {cli::frameArgument()},
             .summary = SurveyCommand::tr("Look at dark frames before a detection."),
             .description = SurveyCommand::tr(
-                "Takes ten images with CAMERA, whose sensor has to be covered, or all frames\n"
-                "from files, and prints what they show of the sensor: statistics of the mean\n"
-                "image and the nonuniformity of EMVA standard 1288 for the whole sensor and\n"
-                "for each Bayer plane, how many hotpixels each threshold finds and which one\n"
-                "fills the camera's list, clusters, and pixels that flicker. It changes\n"
-                "nothing."),
+                "Takes ten images with each CAMERA (a Dev number, a serial number, or \"all\"),\n"
+                "whose sensor has to be covered, or all frames from files, and prints what they\n"
+                "show of the sensor: statistics of the mean image and the nonuniformity of EMVA\n"
+                "standard 1288 for the whole sensor and for each Bayer plane, how many hotpixels\n"
+                "each threshold finds and which one fills the camera's list, clusters, and\n"
+                "pixels that flicker. It changes nothing. With several cameras --report names a\n"
+                "folder, in which each camera has its own."),
             .options = SurveyCommand::options,
-            .run = SurveyCommand::run};
+            .run = SurveyCommand::run,
+            .cameras = cli::camerasUnlessFrames};
 }
 
 } // namespace cli::commands

@@ -2,6 +2,7 @@
 #include "cli/SurveyOptions.h"
 
 #include "cli/Command.h"
+#include "cli/Console.h"
 #include "darkframes/SurveyOutput.h"
 
 #include <QCommandLineParser>
@@ -99,6 +100,24 @@ HotRule ruleFor(const AskedRule& asked, std::uint32_t bitsPerPixel)
                                    GreatestThreshold * scale, QString::number(threshold)));
     }
     return {threshold, asked.sigma};
+}
+
+QString ruleText(const HotRule& rule, bool isBayer)
+{
+    const QString plane = isBayer ? Text::tr(" of their plane") : QString();
+    const QString limit = rule.sigma
+                              ? Text::tr("%1 robust deviations above the median").arg(*rule.sigma)
+                              : Text::tr("%1 grey levels above the mean").arg(rule.threshold);
+    return Text::tr("more than %1%2").arg(limit, plane);
+}
+
+void reportRule(const HotRule& rule, Report& report)
+{
+    if (rule.sigma) {
+        report.insert("sigma", *rule.sigma);
+    } else {
+        report.insert("threshold", static_cast<qint64>(rule.threshold));
+    }
 }
 
 std::vector<PixelPosition> positionsOf(std::span<const BadpixelEntry> entries,

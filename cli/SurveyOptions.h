@@ -14,6 +14,7 @@
 #include <vector>
 
 class QCommandLineParser;
+class Report;
 
 /// What `detect` and `survey` ask for alike: how hot a pixel has to be.
 namespace cli {
@@ -36,6 +37,12 @@ AskedRule askedRule(const QCommandLineParser& parser, bool wide);
 /// of 16.
 /// @throws UsageError for a threshold that no frame of this depth can have
 HotRule ruleFor(const AskedRule& asked, std::uint32_t bitsPerPixel);
+
+/// "more than 40 grey levels above the mean of their plane" and the like.
+[[nodiscard]] QString ruleText(const HotRule& rule, bool isBayer);
+
+/// Tells machines the "threshold", or the "sigma" instead.
+void reportRule(const HotRule& rule, Report& report);
 
 /// The option @p name as a whole number.
 /// @throws UsageError "NAME has to be a number from LEAST to GREATEST, not ..."

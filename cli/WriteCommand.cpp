@@ -34,7 +34,7 @@ public:
             cli::readListForCamera(values[1], parser, context.console);
 
         CameraSession session(context, values[0]);
-        Report report(context.console, context.json);
+        Report report(context);
         report.line(cli::cameraText(session.description()));
         cli::writeUserEntries(session, entries, parser, context, report);
         report.insert("camera", cli::cameraObject(session.description()));
@@ -49,17 +49,19 @@ namespace cli::commands {
 Command write()
 {
     return {.name = QStringLiteral("write"),
-            .arguments = {QStringLiteral("CAMERA"), QStringLiteral("FILE")},
+            .arguments = {QStringLiteral("CAMERA..."), QStringLiteral("FILE")},
             .summary = WriteCommand::tr("Write a list file into a camera."),
             .description = WriteCommand::tr(
-                "Replaces the user list in the EEPROM of CAMERA (a Dev number or a serial\n"
-                "number) by the entries of the list file FILE: lines of x, y and the class 1, or\n"
-                "any other format that convert knows.\n\n"
-                "A list that does not fit is refused. The list that the camera holds is saved\n"
-                "to a dated file before. The new one is read back and compared, and where they\n"
-                "differ the old one is put back."),
+                "Replaces the user list in the EEPROM of each CAMERA (a Dev number, a serial\n"
+                "number, or \"all\") by the entries of the list file FILE: lines of x, y and the\n"
+                "class 1, or any other format that convert knows.\n\n"
+                "What changes is shown before. Entries that the list has twice, or that the\n"
+                "factory list has, are left out. A list that does not fit is refused. The list\n"
+                "that the camera holds is saved to a dated file before. The new one is read back\n"
+                "and compared, and where they differ the old one is put back."),
             .options = WriteCommand::options,
-            .run = WriteCommand::run};
+            .run = WriteCommand::run,
+            .cameras = cli::allButTheLastAreCameras};
 }
 
 } // namespace cli::commands

@@ -115,7 +115,7 @@ endfunction()
 # vorn_test(NAME SOURCES file... LINK target... [LABELS label...] [RESOURCE_LOCK name] [LONG])
 #
 # One GoogleTest program NAME, each of its tests a test of CTest with the label NAME. They run on
-# the offscreen platform with an empty home of their own (tests/support/TestMain.cpp).
+# the offscreen platform with an empty home of their own (tests/harness/TestMain.cpp).
 #
 # LONG: those of its tests whose names begin with "Long/" are one test of CTest, NAME_long, that only
 # ctest -C Long runs.
@@ -123,7 +123,7 @@ function(vorn_test name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "LONG" "RESOURCE_LOCK" "SOURCES;LINK;LABELS")
   add_executable(${name} ${arg_SOURCES})
   vorn_target_defaults(${name})
-  target_link_libraries(${name} PRIVATE ${arg_LINK} vorn_test_support)
+  target_link_libraries(${name} PRIVATE ${arg_LINK} vorn_test_harness)
   set(properties LABELS "${name};${arg_LABELS}" TIMEOUT 300)
   if(arg_RESOURCE_LOCK)
     list(APPEND properties RESOURCE_LOCK ${arg_RESOURCE_LOCK})

@@ -1,28 +1,42 @@
 // SPDX-License-Identifier: MIT
 #include "darkframes/FitsReader.h"
 
+#include "darkframes/FitsHeader.h"
 #include "darkframes/FrameError.h"
 #include "darkframes/FrameSize.h"
 #include "darkframes/GzipFile.h"
+#include "darkframes/RiceStream.h"
 
+#include <QBuffer>
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
+#include <QtEndian>
 
 #include <array>
 #include <cmath>
 #include <fitsio.h>
+#include <string>
 #include <vector>
 
 namespace {
 
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(FitsReader)
+};
+
 using darkframes::refuse;
-using darkframes::translated;
 
 constexpr double GreatestValue = 65535;
 
+/// Of a compression; CFITSIO reads no further ones.
+constexpr int MostParameters = 6;
+
 QString badValues()
 {
-    return translated("holds values that are not whole numbers from 0 to 65535");
+    return Text::tr("holds values that are not whole numbers from 0 to 65535");
 }
 
 /// An open FITS file, which it closes.
@@ -33,6 +47,10 @@ public:
         : m_fileName(fileName)
         , m_bytes(QFileInfo(fileName).size())
     {
+        QFile content(fileName);
+        if (content.open(QIODevice::ReadOnly)) {
+            darkframes::checkFitsHeaders(fileName, content);
+        }
         // The call for disk files, because the usual one takes much in a name for an instruction.
         const QByteArray path = QFile::encodeName(QFileInfo(fileName).absoluteFilePath());
         fits_open_diskfile(&m_file, path.constData(), READONLY, &m_status);
@@ -46,6 +64,9 @@ public:
         , m_memory(content.data())
         , m_memoryBytes(static_cast<std::size_t>(content.size()))
     {
+        QBuffer buffer(&content);
+        buffer.open(QIODevice::ReadOnly);
+        darkframes::checkFitsHeaders(fileName, buffer);
         fits_open_memfile(&m_file, "memory", READONLY, &m_memory, &m_memoryBytes, 0, nullptr,
                           &m_status);
         check();
@@ -72,7 +93,7 @@ public:
         QImage image(static_cast<int>(m_axes[0]), static_cast<int>(m_axes[1]),
                      type == BYTE_IMG ? QImage::Format_Grayscale8 : QImage::Format_Grayscale16);
         if (image.isNull()) {
-            refuse(m_fileName, translated("not enough memory"));
+            refuse(m_fileName, Text::tr("not enough memory"));
         }
         switch (type) {
         case BYTE_IMG:
@@ -96,14 +117,14 @@ private:
             return;
         }
         if (m_status == END_OF_FILE || m_status == READ_ERROR || m_status == SEEK_ERROR) {
-            refuse(m_fileName, translated("truncated"));
+            refuse(m_fileName, Text::tr("truncated"));
         }
         if (m_status == NUM_OVERFLOW) {
             refuse(m_fileName, badValues());
         }
         std::array<char, FLEN_STATUS> text{};
         fits_get_errstatus(m_status, text.data());
-        refuse(m_fileName, translated("damaged (%1)").arg(QString::fromLatin1(text.data())));
+        refuse(m_fileName, Text::tr("damaged (%1)").arg(QString::fromLatin1(text.data())));
     }
 
     /// Goes to the first image with two axes.
@@ -132,7 +153,7 @@ private:
         if (m_status != END_OF_FILE) {
             check();
         }
-        refuse(m_fileName, translated("holds no image with two axes"));
+        refuse(m_fileName, Text::tr("holds no image with two axes"));
     }
 
     void checkSize()
@@ -160,18 +181,141 @@ private:
         const auto most = static_cast<LONGLONG>(rest);
         if (rowBytes < 0 || rows < 0 || heapBytes < 0 || heapBytes > most ||
             (rowBytes > 0 && rows > (most - heapBytes) / rowBytes)) {
-            refuse(m_fileName, translated("truncated"));
+            refuse(m_fileName, Text::tr("truncated"));
         }
         const LONGLONG tileColumns = number("ZTILE1", m_axes[0]);
         const LONGLONG tileRows = number("ZTILE2", 1);
-        if (tileColumns < 1 || tileColumns > m_axes[0] || tileRows < 1 || tileRows > m_axes[1]) {
-            refuse(m_fileName, translated("damaged (tiles that are larger than the image)"));
-        }
         const LONGLONG across = (m_axes[0] + tileColumns - 1) / tileColumns;
         const LONGLONG down = (m_axes[1] + tileRows - 1) / tileRows;
         if (rows != across * down) {
-            refuse(m_fileName, translated("damaged (tiles are missing)"));
+            refuse(m_fileName, Text::tr("damaged (tiles are missing)"));
         }
+        for (const char* column :
+             {"COMPRESSED_DATA", "GZIP_COMPRESSED_DATA", "UNCOMPRESSED_DATA"}) {
+            checkTileData(column, rows, heapBytes, tileColumns * tileRows);
+        }
+    }
+
+    /// @param column may be missing
+    /// @param mostPixels of a tile; those at the edges have fewer
+    void checkTileData(const char* column, LONGLONG rows, LONGLONG heapBytes, LONGLONG mostPixels)
+    {
+        int status = 0;
+        int number = 0;
+        std::string name(column);
+        if (fits_get_colnum(m_file, CASEINSEN, name.data(), &number, &status) != 0) {
+            return;
+        }
+        int type = 0;
+        LONGLONG repeat = 0;
+        LONGLONG valueBytes = 0;
+        fits_get_coltypell(m_file, number, &type, &repeat, &valueBytes, &m_status);
+        std::vector<LONGLONG> lengths(static_cast<std::size_t>(rows));
+        std::vector<LONGLONG> starts(lengths.size());
+        fits_read_descriptsll(m_file, number, 1, rows, lengths.data(), starts.data(), &m_status);
+        check();
+        for (std::size_t tile = 0; tile < lengths.size(); ++tile) {
+            const LONGLONG length = lengths[tile];
+            if (length < 0 || starts[tile] < 0 || starts[tile] > heapBytes || valueBytes < 1 ||
+                length > (heapBytes - starts[tile]) / valueBytes) {
+                refuseTile();
+            }
+            if (length > 0) {
+                checkTile(name, number, static_cast<LONGLONG>(tile) + 1, length, mostPixels);
+            }
+        }
+    }
+
+    /// What CFITSIO does not compare with the memory that it took for a tile, or waits for in vain.
+    void checkTile(const std::string& name, int column, LONGLONG row, LONGLONG length,
+                   LONGLONG mostPixels)
+    {
+        const QString compression = text("ZCMPTYPE");
+        if (name == "UNCOMPRESSED_DATA") {
+            if (length > mostPixels) {
+                refuseTile();
+            }
+        } else if (name == "GZIP_COMPRESSED_DATA" ||
+                   compression.startsWith(QLatin1String("GZIP"))) {
+            QByteArray packed(static_cast<qsizetype>(length), Qt::Uninitialized);
+            readTile(TBYTE, column, row, packed);
+            constexpr LONGLONG MostBytesPerPixel = 8;
+            if (!darkframes::isWholeGzipStream(packed, mostPixels * MostBytesPerPixel)) {
+                refuseTile();
+            }
+        } else if (compression.startsWith(QLatin1String("RICE"))) {
+            std::vector<std::uint8_t> packed(static_cast<std::size_t>(length));
+            readTile(TBYTE, column, row, packed);
+            constexpr LONGLONG UsualBlock = 32;
+            constexpr LONGLONG UsualBytes = 4;
+            const LONGLONG block = parameter("BLOCKSIZE", UsualBlock);
+            const LONGLONG bytes = parameter("BYTEPIX", UsualBytes);
+            if (block < 1 || block > mostPixels + UsualBlock ||
+                (bytes != 1 && bytes != 2 && bytes != UsualBytes) ||
+                !darkframes::isWholeRiceStream(packed, pixelsOf(row), static_cast<int>(bytes),
+                                               block)) {
+                refuseTile();
+            }
+        } else if (compression.startsWith(QLatin1String("HCOMPRESS"))) {
+            // A magic number of two bytes, columns and rows of four.
+            std::array<quint8, 10> bytes{};
+            if (length < static_cast<LONGLONG>(bytes.size())) {
+                refuseTile();
+            }
+            readTile(TBYTE, column, row, bytes);
+            const LONGLONG columns = qFromBigEndian<qint32>(&bytes[2]);
+            const LONGLONG rows = qFromBigEndian<qint32>(&bytes[6]);
+            if (columns < 1 || rows < 1 || columns > mostPixels / rows) {
+                refuseTile();
+            }
+        } else if (compression.startsWith(QLatin1String("PLIO"))) {
+            // The length of the list in words: in the fourth, or where that is not positive in the
+            // fifth and the sixth, with the length of the header in the second.
+            std::array<qint16, 6> words{};
+            if (length < static_cast<LONGLONG>(words.size())) {
+                refuseTile();
+            }
+            readTile(TSHORT, column, row, words);
+            constexpr int HighBits = 15;
+            const LONGLONG listed =
+                words[3] > 0 ? words[3] : (LONGLONG{words[5]} << HighBits) + words[4];
+            if (words[1] < 0 || listed < 0 || listed > length) {
+                refuseTile();
+            }
+        }
+    }
+
+    /// How many pixels tile number @p row has, from 1; those at the right and below may be cut.
+    LONGLONG pixelsOf(LONGLONG row)
+    {
+        const LONGLONG columns = number("ZTILE1", m_axes[0]);
+        const LONGLONG rows = number("ZTILE2", 1);
+        const LONGLONG across = (m_axes[0] + columns - 1) / columns;
+        return std::min(columns, m_axes[0] - (row - 1) % across * columns) *
+               std::min(rows, m_axes[1] - (row - 1) / across * rows);
+    }
+
+    /// A parameter of the compression.
+    LONGLONG parameter(const char* name, LONGLONG fallback)
+    {
+        for (int index = 1; index <= MostParameters; ++index) {
+            const QByteArray suffix = QByteArray::number(index);
+            if (text(("ZNAME" + suffix).constData()) == QLatin1String(name)) {
+                return number(("ZVAL" + suffix).constData(), fallback);
+            }
+        }
+        return fallback;
+    }
+
+    [[noreturn]] void refuseTile() const { refuse(m_fileName, Text::tr("damaged (a tile)")); }
+
+    /// As many values of a tile as there is room for, as they stand in the file.
+    template <typename Values>
+    void readTile(int type, int column, LONGLONG row, Values& values)
+    {
+        fits_read_col(m_file, type, column, row, 1, static_cast<LONGLONG>(values.size()), nullptr,
+                      values.data(), nullptr, &m_status);
+        check();
     }
 
     LONGLONG number(const char* key, LONGLONG fallback)
@@ -200,7 +344,7 @@ private:
                         &m_status);
         check();
         if (anyUndefined != 0) {
-            refuse(m_fileName, translated("holds undefined pixels"));
+            refuse(m_fileName, Text::tr("holds undefined pixels"));
         }
     }
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 
 namespace {
 
@@ -19,7 +20,7 @@ FoundPixel measured(const DarkStack& stack, const PixelPosition& position,
     const std::size_t index = std::size_t{position.y} * stack.info().width + position.x;
     FoundPixel pixel;
     pixel.position = position;
-    pixel.plane = planes[mosaic.planeOf(position.x, position.y)].name;
+    pixel.plane = planes[mosaic.planeOf(position.x, position.y)];
     pixel.mean = static_cast<double>(stack.sums()[index]) / stack.frameCount();
     pixel.temporalNoise = std::sqrt(stack.variance(index));
     pixel.greatest = stack.greatest(index);
@@ -60,6 +61,26 @@ std::vector<FoundPixel> darkframes::foundPixels(const DarkStack& stack, const Su
     return pixels;
 }
 
+std::vector<FoundPixel> darkframes::pixelsNotFound(const DarkStack& stack, const Survey& survey,
+                                                   const Findings& findings,
+                                                   std::span<const PixelPosition> listed)
+{
+    const HotPixels& found = findings.pixels;
+    std::set<PixelPosition> passed(found.hot.begin(), found.hot.end());
+    passed.insert(found.flickering.begin(), found.flickering.end());
+    const std::vector<SensorPlane> planes = survey.mosaic.planes();
+    std::vector<FoundPixel> pixels;
+    for (const PixelPosition& position : listed) {
+        const bool onSensor = position.x < survey.info.width && position.y < survey.info.height;
+        if (onSensor && passed.insert(position).second) {
+            FoundPixel pixel = measured(stack, position, planes, survey.mosaic);
+            pixel.foundClass = FoundClass::NotHot;
+            pixels.push_back(std::move(pixel));
+        }
+    }
+    return pixels;
+}
+
 QString darkframes::className(FoundClass foundClass)
 {
     switch (foundClass) {
@@ -69,6 +90,8 @@ QString darkframes::className(FoundClass foundClass)
         return QStringLiteral("factory");
     case FoundClass::User:
         return QStringLiteral("user");
+    case FoundClass::NotHot:
+        return QStringLiteral("not hot");
     case FoundClass::Flickering:
         break;
     }
@@ -80,8 +103,8 @@ QByteArray darkframes::foundPixelsCsv(std::span<const FoundPixel> pixels)
     QByteArray text = "x,y,plane,mean,temporalNoise,greatest,class\n";
     for (const FoundPixel& pixel : pixels) {
         text += QByteArray::number(pixel.position.x) + ',' + QByteArray::number(pixel.position.y) +
-                ',' + pixel.plane.toUtf8() + ',' + QByteArray::number(pixel.mean, 'g', 10) + ',' +
-                QByteArray::number(pixel.temporalNoise, 'g', 10) + ',' +
+                ',' + pixel.plane.name.toUtf8() + ',' + QByteArray::number(pixel.mean, 'g', 10) +
+                ',' + QByteArray::number(pixel.temporalNoise, 'g', 10) + ',' +
                 QByteArray::number(pixel.greatest) + ',' + className(pixel.foundClass).toLatin1() +
                 '\n';
     }

@@ -15,13 +15,14 @@ enum class FoundClass {
     Factory,    ///< in the camera's factory list
     User,       ///< in the user list already
     Flickering, ///< above the limit in a frame but not in the mean
+    NotHot,     ///< in a list, but not above the limit in any frame
 };
 
 /// A pixel with what the frames say about it.
 struct FoundPixel
 {
     PixelPosition position;
-    QString plane;
+    SensorPlane plane;
     double mean = 0;
     double temporalNoise = 0;
     std::uint16_t greatest = 0;
@@ -39,7 +40,12 @@ std::vector<FoundPixel> foundPixels(const DarkStack& stack, const Survey& survey
                                     std::span<const PixelPosition> factory,
                                     std::span<const PixelPosition> user);
 
-/// "new", "factory", "user", "flickering"
+/// Those of @p listed that lie on the sensor and were not found, each once, in their order.
+std::vector<FoundPixel> pixelsNotFound(const DarkStack& stack, const Survey& survey,
+                                       const Findings& findings,
+                                       std::span<const PixelPosition> listed);
+
+/// "new", "factory", "user", "flickering", "not hot"
 QString className(FoundClass foundClass);
 
 /// A line of titles and a line a pixel: x,y,plane,mean,temporalNoise,greatest,class.

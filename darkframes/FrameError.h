@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QCoreApplication>
 #include <QString>
 
 #include <stdexcept>
@@ -17,12 +16,6 @@ public:
 };
 
 namespace darkframes {
-
-/// @p text in the user's language.
-inline QString translated(const char* text)
-{
-    return QCoreApplication::translate("darkframes", text);
-}
 
 /// @throws FrameError "FILE: WHAT"
 [[noreturn]] inline void refuse(const QString& fileName, const QString& what)

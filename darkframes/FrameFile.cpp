@@ -12,6 +12,7 @@
 #include "darkframes/RawReader.h"
 #endif
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -22,8 +23,13 @@
 
 namespace {
 
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(FrameFile)
+};
+
 using darkframes::refuse;
-using darkframes::translated;
 
 constexpr std::array ImageSuffixes{"png", "tif", "tiff", "bmp", "pgm"};
 constexpr std::array FitsSuffixes{"fit", "fits", "fts", "fit.fz", "fits.fz", "fit.gz", "fits.gz"};
@@ -51,7 +57,7 @@ Frame readFitsFile(const QString& fileName)
 #ifdef VORN_HAS_CFITSIO
     return darkframes::readFits(fileName);
 #else
-    refuse(fileName, translated("a FITS file, and this build was made without CFITSIO"));
+    refuse(fileName, Text::tr("a FITS file, and this build was made without CFITSIO"));
 #endif
 }
 
@@ -60,7 +66,7 @@ Frame readRawFile(const QString& fileName)
 #ifdef VORN_HAS_LIBRAW
     return darkframes::readRaw(fileName);
 #else
-    refuse(fileName, translated("a camera raw file, and this build was made without LibRaw"));
+    refuse(fileName, Text::tr("a camera raw file, and this build was made without LibRaw"));
 #endif
 }
 
@@ -80,7 +86,7 @@ QStringList filesIn(const QString& folder)
         }
     }
     if (files.isEmpty()) {
-        refuse(folder, translated("there are no frames in this folder"));
+        refuse(folder, Text::tr("there are no frames in this folder"));
     }
     return files;
 }
@@ -97,7 +103,7 @@ QStringList filesLike(const QString& pattern)
                          : folder.filePath(name));
     }
     if (files.isEmpty()) {
-        refuse(pattern, translated("there is no such file"));
+        refuse(pattern, Text::tr("there is no such file"));
     }
     return files;
 }
@@ -108,11 +114,11 @@ Frame darkframes::readFrame(const QString& fileName)
 {
     const QFileInfo info(fileName);
     if (!info.exists()) {
-        refuse(fileName, translated("there is no such file"));
+        refuse(fileName, Text::tr("there is no such file"));
     }
     // Pipes and devices have no size to check, and some of them no end.
     if (!info.isFile()) {
-        refuse(fileName, translated("not a file"));
+        refuse(fileName, Text::tr("not a file"));
     }
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -120,7 +126,7 @@ Frame darkframes::readFrame(const QString& fileName)
     }
     const QByteArray start = file.peek(16);
     if (start.isEmpty()) {
-        refuse(fileName, translated("empty"));
+        refuse(fileName, Text::tr("empty"));
     }
     if (endsWithOneOf(fileName, RawSuffixes)) {
         return readRawFile(fileName);
@@ -141,9 +147,9 @@ Frame darkframes::readFrame(const QString& fileName)
         return readPgm(fileName);
     }
     if (start.startsWith("P3") || start.startsWith("P6")) {
-        refuse(fileName, translated("a colour image; a dark frame is grey"));
+        refuse(fileName, Text::tr("a colour image; a dark frame is grey"));
     }
-    refuse(fileName, translated("not an image of a kind that is read here"));
+    refuse(fileName, Text::tr("not an image of a kind that is read here"));
 }
 
 QStringList darkframes::frameFiles(const QStringList& paths)
@@ -159,7 +165,7 @@ QStringList darkframes::frameFiles(const QStringList& paths)
                    info.fileName().contains(u'[')) {
             files.append(filesLike(path));
         } else {
-            refuse(path, translated("there is no such file"));
+            refuse(path, Text::tr("there is no such file"));
         }
     }
     std::ranges::sort(files);
@@ -178,14 +184,14 @@ QStringList darkframes::readerLines()
 {
     QStringList lines{QStringLiteral("PNG, TIFF, BMP, PGM")};
 #ifdef VORN_HAS_CFITSIO
-    lines.append(translated("FITS by %1").arg(fitsReaderName()));
+    lines.append(Text::tr("FITS by %1").arg(fitsReaderName()));
 #else
-    lines.append(translated("FITS not at all (made without CFITSIO)"));
+    lines.append(Text::tr("FITS not at all (made without CFITSIO)"));
 #endif
 #ifdef VORN_HAS_LIBRAW
-    lines.append(translated("camera raw files by %1").arg(rawReaderName()));
+    lines.append(Text::tr("camera raw files by %1").arg(rawReaderName()));
 #else
-    lines.append(translated("camera raw files not at all (made without LibRaw)"));
+    lines.append(Text::tr("camera raw files not at all (made without LibRaw)"));
 #endif
     return lines;
 }

@@ -3,13 +3,20 @@
 
 #include "darkframes/FrameError.h"
 
+#include <QCoreApplication>
+
 #include <new>
 #include <utility>
 
 namespace {
 
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(FrameStacker)
+};
+
 using darkframes::refuse;
-using darkframes::translated;
 
 /// A stack of 8 bits leaves room for eight frames under its limit, one of 16 bits for two.
 std::size_t mostPending(const ImageInfo& info)
@@ -19,7 +26,7 @@ std::size_t mostPending(const ImageInfo& info)
 
 QString sizeText(const ImageInfo& info)
 {
-    return translated("%1 × %2 pixels of %3 bits")
+    return Text::tr("%1 × %2 pixels of %3 bits")
         .arg(info.width)
         .arg(info.height)
         .arg(info.bitsPerPixel);
@@ -27,8 +34,7 @@ QString sizeText(const ImageInfo& info)
 
 QString mosaicText(const Mosaic& mosaic)
 {
-    return mosaic.isBayer() ? translated("Bayer, %1").arg(mosaic.colours())
-                            : translated("monochrome");
+    return mosaic.isBayer() ? Text::tr("Bayer, %1").arg(mosaic.colours()) : Text::tr("monochrome");
 }
 
 } // namespace
@@ -48,9 +54,8 @@ void FrameStacker::checkSize(const QString& name, const ImageInfo& info) const
     const ImageInfo& first = m_stack->info();
     if (info.width != first.width || info.height != first.height ||
         info.bitsPerPixel != first.bitsPerPixel) {
-        refuse(
-            name,
-            translated("%1, and not %2 as %3").arg(sizeText(info), sizeText(first), m_firstName));
+        refuse(name,
+               Text::tr("%1, and not %2 as %3").arg(sizeText(info), sizeText(first), m_firstName));
     }
 }
 
@@ -72,7 +77,7 @@ void FrameStacker::takeMosaic(const QString& name, const std::optional<Mosaic>& 
         if (bayerIsKnown && said->isBayer() && said->colours().isEmpty()) {
             return;
         }
-        refuse(name, translated("%1, and not %2 as %3")
+        refuse(name, Text::tr("%1, and not %2 as %3")
                          .arg(mosaicText(*said), mosaicText(*m_mosaic), m_mosaicName));
     }
     m_mosaic = said;
@@ -82,8 +87,7 @@ void FrameStacker::takeMosaic(const QString& name, const std::optional<Mosaic>& 
 void FrameStacker::add(const QString& name, Frame frame)
 {
     if (frameCount() >= DarkStack::MostFrames) {
-        refuse(name,
-               translated("more than %1 frames can't be added up").arg(DarkStack::MostFrames));
+        refuse(name, Text::tr("more than %1 frames can't be added up").arg(DarkStack::MostFrames));
     }
     const ImageInfo info = darkframes::imageInfo(frame.image);
     try {
@@ -95,7 +99,7 @@ void FrameStacker::add(const QString& name, Frame frame)
         takeMosaic(name, frame.mosaic);
         m_pending.push_back(std::move(frame.image));
     } catch (const std::bad_alloc&) {
-        refuse(name, translated("not enough memory"));
+        refuse(name, Text::tr("not enough memory"));
     }
     if (m_pending.size() == mostPending(info)) {
         flush();
@@ -112,9 +116,9 @@ DarkStack FrameStacker::finish(std::uint32_t least)
 {
     if (frameCount() < least || !m_stack) {
         if (!m_stack) {
-            throw FrameError(translated("there are no frames"));
+            throw FrameError(Text::tr("there are no frames"));
         }
-        refuse(m_firstName, translated("one frame only; at least %1 are necessary").arg(least));
+        refuse(m_firstName, Text::tr("one frame only; at least %1 are necessary").arg(least));
     }
     if (!m_pending.empty()) {
         flush();

@@ -4,12 +4,19 @@
 #include "darkframes/FrameError.h"
 #include "darkframes/FrameSize.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QtEndian>
 
 #include <zlib.h>
 
 namespace {
+
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(GzipFile)
+};
 
 constexpr qint64 LeastBytes = 18; ///< of header and trailer
 
@@ -36,10 +43,9 @@ public:
         }
     }
     [[nodiscard]] bool goesOn() const { return m_result == Z_OK; }
-    [[nodiscard]] bool isComplete() const
-    {
-        return m_result == Z_STREAM_END && m_stream.avail_out == 0;
-    }
+    [[nodiscard]] bool hasEnded() const { return m_result == Z_STREAM_END; }
+    /// Whether it has also filled the memory that it was given.
+    [[nodiscard]] bool isComplete() const { return hasEnded() && m_stream.avail_out == 0; }
 
 private:
     z_stream m_stream{};
@@ -61,12 +67,12 @@ QByteArray darkframes::unpackGzipFile(const QString& fileName)
         refuse(fileName, file.errorString());
     }
     if (file.size() < LeastBytes || !file.seek(file.size() - 4)) {
-        refuse(fileName, translated("truncated"));
+        refuse(fileName, Text::tr("truncated"));
     }
     const QByteArray trailer = file.read(4);
     const auto bytes = trailer.size() == 4 ? qFromLittleEndian<quint32>(trailer.constData()) : 0U;
     if (bytes > static_cast<quint64>(file.size()) * DeflateRatio) {
-        refuse(fileName, translated("truncated or damaged"));
+        refuse(fileName, Text::tr("truncated or damaged"));
     }
     QByteArray content(static_cast<qsizetype>(bytes), Qt::Uninitialized);
     Inflation inflation(content);
@@ -76,7 +82,15 @@ QByteArray darkframes::unpackGzipFile(const QString& fileName)
         inflation.feed(file.read(PieceBytes));
     }
     if (!inflation.isComplete()) {
-        refuse(fileName, translated("truncated or damaged"));
+        refuse(fileName, Text::tr("truncated or damaged"));
     }
     return content;
+}
+
+bool darkframes::isWholeGzipStream(const QByteArray& packed, qsizetype mostBytes)
+{
+    QByteArray content(mostBytes, Qt::Uninitialized);
+    Inflation inflation(content);
+    inflation.feed(packed);
+    return inflation.hasEnded();
 }

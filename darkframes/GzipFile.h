@@ -14,4 +14,8 @@ bool isGzipFile(const QString& fileName);
 /// @throws FrameError "FILE: " and what is wrong: it can't be opened, is truncated or damaged.
 QByteArray unpackGzipFile(const QString& fileName);
 
+/// Whether @p packed is a gzip stream that is undamaged, ends in it and holds no more than
+/// @p mostBytes. Takes that much memory.
+bool isWholeGzipStream(const QByteArray& packed, qsizetype mostBytes);
+
 } // namespace darkframes

@@ -7,6 +7,8 @@
 #include "darkframes/SurveyOutput.h"
 #include "darkframes/SvgChart.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 #include <numbers>
@@ -14,7 +16,11 @@
 
 namespace {
 
-using darkframes::translated;
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(HtmlReport)
+};
 
 QString element(const char* name, const QString& content)
 {
@@ -22,9 +28,9 @@ QString element(const char* name, const QString& content)
            QStringLiteral("</%1>").arg(QLatin1String(name));
 }
 
-QString heading(const char* text)
+QString heading(const QString& text)
 {
-    return element("h2", translated(text)) + u'\n';
+    return element("h2", text) + u'\n';
 }
 
 QString figure(const std::optional<double>& value)
@@ -75,9 +81,8 @@ QString header(const ReportContext& context)
 
 QString ruleText(const HotRule& rule)
 {
-    return rule.sigma
-               ? translated("more than %1 robust deviations above the median").arg(*rule.sigma)
-               : translated("more than %1 grey levels above the mean").arg(rule.threshold);
+    return rule.sigma ? Text::tr("more than %1 robust deviations above the median").arg(*rule.sigma)
+                      : Text::tr("more than %1 grey levels above the mean").arg(rule.threshold);
 }
 
 QString tile(const QString& value, const QString& what)
@@ -93,20 +98,20 @@ QString summary(const Survey& survey, const Findings& findings, std::span<const 
     const std::size_t hot = findings.pixels.hot.size();
     const auto fresh = static_cast<std::size_t>(std::ranges::count_if(pixels, isNew));
     const PlaneStatistics& all = survey.planes.front();
-    QString html = heading("What was found") + QStringLiteral("<div class=\"tiles\">");
-    html += tile(QString::number(hot), translated("hot pixels, %1").arg(ruleText(findings.rule)));
+    QString html = heading(Text::tr("What was found")) + QStringLiteral("<div class=\"tiles\">");
+    html += tile(QString::number(hot), Text::tr("hot pixels, %1").arg(ruleText(findings.rule)));
     if (fresh != hot) {
-        html += tile(QString::number(fresh), translated("of them in no list yet"));
+        html += tile(QString::number(fresh), Text::tr("of them in no list yet"));
     }
     html += tile(QString::number(findings.clusters.clusters.size()),
-                 translated("clusters, of %1 hot pixels").arg(findings.clusters.pixels()));
+                 Text::tr("clusters, of %1 hot pixels").arg(findings.clusters.pixels()));
     html += tile(QString::number(findings.pixels.flickering.size()),
-                 translated("flickering, hot in a frame but not in the mean"));
-    html += tile(figure(all.temporalNoise), translated("temporal noise, in grey levels"));
-    html += tile(figure(all.dsnu), translated("DSNU, in grey levels"));
+                 Text::tr("flickering, hot in a frame but not in the mean"));
+    html += tile(figure(all.temporalNoise), Text::tr("temporal noise, in grey levels"));
+    html += tile(figure(all.dsnu), Text::tr("DSNU, in grey levels"));
     if (room && room->filling) {
         html += tile(QString::number(room->filling->threshold),
-                     translated("the threshold that fills the list, with %1 new pixels")
+                     Text::tr("the threshold that fills the list, with %1 new pixels")
                          .arg(room->filling->found));
     }
     return html + QStringLiteral("</div>\n");
@@ -161,26 +166,27 @@ QString histogram(const PlaneStatistics& plane, const HotLimit& limit, std::uint
     const double right = std::min(highest, std::max(std::floor(*plane.maximum) + 1, hotFrom + 1));
     const Bars bars = barsOf(plane, left, right);
     const double most = bars.counts.empty() ? 1 : *std::ranges::max_element(bars.counts);
-    SvgChart chart(left, right, most, translated("mean of a pixel in grey levels"),
-                   translated("Histogram of plane %1").arg(plane.plane.name));
+    SvgChart chart(left, right, most, Text::tr("mean of a pixel in grey levels"),
+                   Text::tr("Histogram of plane %1").arg(plane.plane.title()));
     chart.addBars(bars.left, bars.step, bars.counts);
     if (plane.deviation.value_or(0) > 0) {
         chart.addLine(normalCurve(plane, bars, left, right), QStringLiteral("curve"),
-                      translated("normal distribution"));
+                      Text::tr("normal distribution"));
     }
     if (hotFrom <= right) {
-        chart.addLimit(hotFrom, translated("limit"));
+        chart.addLimit(hotFrom, Text::tr("limit"));
     }
-    const QString caption = translated("%1: mean %2, deviation %3")
-                                .arg(plane.plane.name, figure(plane.mean), figure(plane.deviation));
+    const QString caption =
+        Text::tr("%1: mean %2, deviation %3")
+            .arg(plane.plane.title(), figure(plane.mean), figure(plane.deviation));
     return QStringLiteral("<figure>") + element("h3", caption) + chart.svg() +
            QStringLiteral("</figure>\n");
 }
 
 QString histograms(const Survey& survey, const Findings& findings)
 {
-    QString html =
-        heading("Histograms of the mean image") + QStringLiteral("<div class=\"charts\">");
+    QString html = heading(Text::tr("Histograms of the mean image")) +
+                   QStringLiteral("<div class=\"charts\">");
     for (const HotLimit& limit : findings.limits) {
         const auto plane =
             std::ranges::find_if(survey.searchPlanes(), [&limit](const PlaneStatistics& each) {
@@ -201,8 +207,8 @@ QString accumulated(const Survey& survey, const Findings& findings,
         end += step;
     }
     SvgChart chart(0, std::max(end, step), static_cast<double>(survey.planes.front().pixels),
-                   translated("grey levels above the mean of the plane"),
-                   translated("Number of pixels above each threshold"));
+                   Text::tr("grey levels above the mean of the plane"),
+                   Text::tr("Number of pixels above each threshold"));
     for (std::size_t i = 0; i < survey.planes.size(); ++i) {
         const PlaneStatistics& plane = survey.planes[i];
         std::vector<std::pair<double, double>> points;
@@ -210,27 +216,45 @@ QString accumulated(const Survey& survey, const Findings& findings,
             points.emplace_back(threshold,
                                 static_cast<double>(survey.countAbove(plane, threshold)));
         }
-        chart.addLine(points, QStringLiteral("p%1").arg(i), plane.plane.name);
+        chart.addLine(points, QStringLiteral("p%1").arg(i), plane.plane.title());
     }
     if (!findings.rule.sigma) {
         chart.addLimit(findings.rule.threshold,
-                       translated("threshold %1").arg(findings.rule.threshold));
+                       Text::tr("threshold %1").arg(findings.rule.threshold));
     }
     if (room && room->capacity > room->taken) {
         chart.addLevel(static_cast<double>(room->capacity - room->taken),
-                       translated("room in the list"));
+                       Text::tr("room in the list"));
     }
-    return heading("Accumulated histogram") + QStringLiteral("<figure>") + chart.svg() +
-           element("figcaption", translated("How many pixels lie above the mean of their plane by "
-                                            "more than a threshold.")) +
+    return heading(Text::tr("Accumulated histogram")) + QStringLiteral("<figure>") + chart.svg() +
+           element("figcaption", Text::tr("How many pixels lie above the mean of their plane by "
+                                          "more than a threshold.")) +
            QStringLiteral("</figure>\n");
 }
 
 QString map(const Survey& survey, std::span<const FoundPixel> pixels)
 {
-    return heading("Map of the sensor") + QStringLiteral("<figure class=\"wide\">") +
+    return heading(Text::tr("Map of the sensor")) + QStringLiteral("<figure class=\"wide\">") +
            darkframes::sensorMap(survey.info, pixels) + darkframes::sensorMapLegend(pixels) +
            QStringLiteral("</figure>\n");
+}
+
+/// As darkframes::className() has it for machines.
+QString classText(FoundClass foundClass)
+{
+    switch (foundClass) {
+    case FoundClass::New:
+        return Text::tr("new");
+    case FoundClass::Factory:
+        return Text::tr("factory");
+    case FoundClass::User:
+        return Text::tr("user");
+    case FoundClass::NotHot:
+        return Text::tr("not hot");
+    case FoundClass::Flickering:
+        break;
+    }
+    return Text::tr("flickering");
 }
 
 QString hottest(std::span<const FoundPixel> pixels)
@@ -238,26 +262,28 @@ QString hottest(std::span<const FoundPixel> pixels)
     constexpr std::size_t Shown = 50;
     std::vector<const FoundPixel*> sorted;
     for (const FoundPixel& pixel : pixels) {
-        sorted.push_back(&pixel);
+        if (pixel.foundClass != FoundClass::NotHot) {
+            sorted.push_back(&pixel);
+        }
     }
     std::ranges::stable_sort(sorted, std::greater<>(),
                              [](const FoundPixel* pixel) { return pixel->mean; });
     sorted.resize(std::min(sorted.size(), Shown));
-    QString html = heading("The hottest fifty");
+    QString html = heading(Text::tr("The hottest fifty"));
     if (sorted.empty()) {
-        return html + element("p", translated("None was found.")) + u'\n';
+        return html + element("p", Text::tr("None was found.")) + u'\n';
     }
-    HtmlTable table({translated("no."), translated("x"), translated("y"), translated("plane"),
-                     translated("mean"), translated("noise"), translated("greatest"),
-                     translated("class"), translated("cluster")});
+    HtmlTable table({Text::tr("no."), Text::tr("x"), Text::tr("y"), Text::tr("plane"),
+                     Text::tr("mean"), Text::tr("noise"), Text::tr("greatest"), Text::tr("class"),
+                     Text::tr("cluster")});
     int number = 0;
     for (const FoundPixel* pixel : sorted) {
         table.addRow({QString::number(++number), QString::number(pixel->position.x),
-                      QString::number(pixel->position.y), pixel->plane,
+                      QString::number(pixel->position.y), pixel->plane.title(),
                       QString::number(pixel->mean, 'f', 1),
                       QString::number(pixel->temporalNoise, 'f', 2),
-                      QString::number(pixel->greatest), darkframes::className(pixel->foundClass),
-                      pixel->isClustered ? translated("yes") : QString()});
+                      QString::number(pixel->greatest), classText(pixel->foundClass),
+                      pixel->isClustered ? Text::tr("yes") : QString()});
     }
     return html + table.html();
 }
@@ -268,40 +294,41 @@ QString clusters(const PixelClusters& clusters)
     if (clusters.clusters.empty()) {
         return {};
     }
-    HtmlTable table({translated("pixels"), translated("from x"), translated("y"),
-                     translated("to x"), translated("y")});
+    HtmlTable table(
+        {Text::tr("pixels"), Text::tr("from x"), Text::tr("y"), Text::tr("to x"), Text::tr("y")});
     for (std::size_t i = 0; i < std::min(Shown, clusters.clusters.size()); ++i) {
         const PixelCluster& cluster = clusters.clusters[i];
         table.addRow({QString::number(cluster.pixels), QString::number(cluster.left),
                       QString::number(cluster.top), QString::number(cluster.right),
                       QString::number(cluster.bottom)});
     }
-    return heading("The largest clusters") +
-           element("p", translated("Hot pixels that touch another one of the same colour: a camera "
-                                   "takes a pixel's value from those neighbours.")) +
+    return heading(Text::tr("The largest clusters")) +
+           element("p", Text::tr("Hot pixels that touch another one of the same colour: a camera "
+                                 "takes a pixel's value from those neighbours.")) +
            u'\n' + table.html();
 }
 
 QString figures(const Survey& survey)
 {
-    HtmlTable image({translated("plane"), translated("pixels"), translated("mean"),
-                     translated("median"), translated("deviation"), translated("robust"),
-                     translated("least"), translated("greatest")});
-    HtmlTable emva({translated("plane"), translated("temporal noise"), translated("DSNU"),
-                    translated("of rows"), translated("of columns"), translated("of pixels")});
+    HtmlTable image({Text::tr("plane"), Text::tr("pixels"), Text::tr("mean"), Text::tr("median"),
+                     Text::tr("deviation"), Text::tr("robust"), Text::tr("least"),
+                     Text::tr("greatest")});
+    HtmlTable emva({Text::tr("plane"), Text::tr("temporal noise"), Text::tr("DSNU"),
+                    Text::tr("of rows"), Text::tr("of columns"), Text::tr("of pixels")});
     for (const PlaneStatistics& plane : survey.planes) {
-        image.addRow({plane.plane.name, QString::number(plane.pixels), figure(plane.mean),
+        image.addRow({plane.plane.title(), QString::number(plane.pixels), figure(plane.mean),
                       figure(plane.median), figure(plane.deviation), figure(plane.robustDeviation),
                       figure(plane.minimum), figure(plane.maximum)});
-        emva.addRow({plane.plane.name, figure(plane.temporalNoise), figure(plane.dsnu),
+        emva.addRow({plane.plane.title(), figure(plane.temporalNoise), figure(plane.dsnu),
                      figure(plane.dsnuRow), figure(plane.dsnuColumn), figure(plane.dsnuPixel)});
     }
-    return QStringLiteral("<div class=\"pair\"><section>") + heading("Figures of the mean image") +
-           image.html() + QStringLiteral("</section><section>") +
-           heading("EMVA 1288, release 4.0") + emva.html() + QStringLiteral("</section></div>\n") +
-           element("p", translated("Temporal noise and dark signal nonuniformity (DSNU) in grey "
-                                   "levels, by EMVA standard 1288. A dash stands where the noise "
-                                   "leaves nothing over.")) +
+    return QStringLiteral("<div class=\"pair\"><section>") +
+           heading(Text::tr("Figures of the mean image")) + image.html() +
+           QStringLiteral("</section><section>") + heading(Text::tr("EMVA 1288, release 4.0")) +
+           emva.html() + QStringLiteral("</section></div>\n") +
+           element("p", Text::tr("Temporal noise and dark signal nonuniformity (DSNU) in grey "
+                                 "levels, by EMVA standard 1288. A dash stands where the noise "
+                                 "leaves nothing over.")) +
            u'\n';
 }
 
@@ -311,9 +338,11 @@ QString darkframes::htmlReport(const Survey& survey, const Findings& findings,
                                std::span<const FoundPixel> pixels,
                                const std::optional<ListRoom>& room, const ReportContext& context)
 {
-    return QStringLiteral("<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n"
+    const QString language = Text::tr("en", "the language of this page, as HTML names it");
+    return QStringLiteral("<!DOCTYPE html>\n<html lang=\"%1\">\n<head>\n<meta charset=\"utf-8\">\n"
                           "<meta name=\"viewport\" content=\"width=device-width, "
-                          "initial-scale=1\">\n") +
+                          "initial-scale=1\">\n")
+               .arg(language.toHtmlEscaped()) +
            element("title", context.title) + QStringLiteral("\n<style>") +
            QLatin1String(ReportStyle) + QStringLiteral("</style>\n</head>\n<body>\n") +
            header(context) + summary(survey, findings, pixels, room) + figures(survey) +

@@ -25,7 +25,8 @@ namespace darkframes {
 
 /// One page of HTML that needs nothing else: no network, no scripts, pictures as part of it. It is
 /// made for screens from the size of a phone on, light and dark, and for paper.
-/// @param pixels what was found, hot ones first, as foundPixels() gives them
+/// @param pixels what was found, hot ones first, as foundPixels() gives them; with those of lists
+/// that were not found behind them, they are drawn on the map as well
 QString htmlReport(const Survey& survey, const Findings& findings,
                    std::span<const FoundPixel> pixels, const std::optional<ListRoom>& room,
                    const ReportContext& context);

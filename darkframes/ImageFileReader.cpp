@@ -5,6 +5,7 @@
 #include "darkframes/FrameSize.h"
 #include "darkframes/TiffHeader.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QImageReader>
 #include <QtEndian>
@@ -15,22 +16,27 @@
 
 namespace {
 
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(ImageFileReader)
+};
+
 using darkframes::refuse;
-using darkframes::translated;
 
 QString truncated()
 {
-    return translated("truncated");
+    return Text::tr("truncated");
 }
 
 QString notGrey()
 {
-    return translated("a colour image; a dark frame is grey");
+    return Text::tr("a colour image; a dark frame is grey");
 }
 
 QString wrongDepth(unsigned bits)
 {
-    return translated("%1 bits a pixel; 8 and 16 are read").arg(bits);
+    return Text::tr("%1 bits a pixel; 8 and 16 are read").arg(bits);
 }
 
 void open(QFile& file)
@@ -55,7 +61,7 @@ QImage withoutPalette(const QString& fileName, const QImage& image)
     }
     QImage grey(image.size(), QImage::Format_Grayscale8);
     if (grey.isNull()) {
-        refuse(fileName, translated("not enough memory"));
+        refuse(fileName, Text::tr("not enough memory"));
     }
     for (int y = 0; y < image.height(); ++y) {
         const uchar* from = image.constScanLine(y);
@@ -85,8 +91,8 @@ Frame readByToolkit(const QString& fileName, const QByteArray& format)
     QImage image = reader.read();
     if (image.isNull()) {
         refuse(fileName, reader.supportsOption(QImageIOHandler::Size)
-                             ? translated("truncated or damaged")
-                             : translated("files of this kind can't be read here"));
+                             ? Text::tr("truncated or damaged")
+                             : Text::tr("files of this kind can't be read here"));
     }
     switch (image.format()) {
     case QImage::Format_Grayscale8:
@@ -137,7 +143,7 @@ Frame darkframes::readPng(const QString& fileName)
     constexpr unsigned Palette = 3;
     constexpr unsigned GreyWithAlpha = 4;
     if (kind == GreyWithAlpha) {
-        refuse(fileName, translated("an image with transparency; a dark frame has none"));
+        refuse(fileName, Text::tr("an image with transparency; a dark frame has none"));
     }
     if (kind != Grey && kind != Palette) {
         refuse(fileName, notGrey());
@@ -173,7 +179,7 @@ Frame darkframes::readBmp(const QString& fileName)
         refuse(fileName, bits < 8 ? wrongDepth(bits) : notGrey());
     }
     if (compression != 0) {
-        refuse(fileName, translated("a compressed BMP file; only one without compression is read"));
+        refuse(fileName, Text::tr("a compressed BMP file; only one without compression is read"));
     }
     const qint64 bytesInRow = (qint64{width} + 3) / 4 * 4;
     const qint64 dataBytes = std::max<qint64>(0, file.size() - qint64{offset});
@@ -202,19 +208,19 @@ Frame darkframes::readTiff(const QString& fileName)
         refuse(fileName, notGrey());
     }
     if (header->sampleFormat == 3) {
-        refuse(fileName, translated("a TIFF file of floating point numbers; whole ones are read"));
+        refuse(fileName, Text::tr("a TIFF file of floating point numbers; whole ones are read"));
     }
     if (header->bitsPerSample != 8 && header->bitsPerSample != 16) {
         refuse(fileName, wrongDepth(header->bitsPerSample));
     }
     if (header->sampleFormat != 1) {
-        refuse(fileName, translated("a TIFF file of signed numbers; unsigned ones are read"));
+        refuse(fileName, Text::tr("a TIFF file of signed numbers; unsigned ones are read"));
     }
     if (header->bitsPerSample == 16 && photometric != BlackIsZero) {
-        refuse(fileName, translated("a TIFF file of 16 bits in which 0 is not black"));
+        refuse(fileName, Text::tr("a TIFF file of 16 bits in which 0 is not black"));
     }
     if (header->images > 1) {
-        refuse(fileName, translated("a TIFF file of several images; each frame is a file"));
+        refuse(fileName, Text::tr("a TIFF file of several images; each frame is a file"));
     }
     checkClaimedSize(fileName, header->width, header->height, header->bitsPerSample / 8,
                      header->complete ? header->dataBytes : static_cast<quint64>(file.size()),

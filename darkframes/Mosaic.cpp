@@ -1,11 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "darkframes/Mosaic.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <array>
 #include <utility>
 
 namespace {
+
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(Mosaic)
+};
 
 constexpr qsizetype ColourCount = 4;
 
@@ -26,6 +34,11 @@ std::uint32_t countOf(std::uint32_t size, std::uint32_t start, std::uint32_t ste
 }
 
 } // namespace
+
+QString SensorPlane::title() const
+{
+    return step == 1 ? Text::tr("all") : name;
+}
 
 std::uint32_t SensorPlane::columns(std::uint32_t width) const
 {

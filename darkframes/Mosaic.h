@@ -16,6 +16,8 @@ struct SensorPlane
     std::uint32_t y = 0;
     std::uint32_t step = 1;
 
+    /// The name for people, who read "all" in their language.
+    [[nodiscard]] QString title() const;
     /// How many columns of a sensor of this width lie in the plane; 0 when the plane begins beyond
     /// it.
     [[nodiscard]] std::uint32_t columns(std::uint32_t width) const;

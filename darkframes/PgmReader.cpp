@@ -4,6 +4,7 @@
 #include "darkframes/FrameError.h"
 #include "darkframes/FrameSize.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QtEndian>
 
@@ -11,8 +12,13 @@
 
 namespace {
 
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(PgmReader)
+};
+
 using darkframes::refuse;
-using darkframes::translated;
 
 constexpr qint64 GreatestNumber = 100'000'000;
 
@@ -61,7 +67,7 @@ private:
 
 [[noreturn]] void refuseValue(const QString& fileName)
 {
-    refuse(fileName, translated("a value is greater than the greatest one that it names"));
+    refuse(fileName, Text::tr("a value is greater than the greatest one that it names"));
 }
 
 void readText(QFile& file, QImage& image, qint64 greatest)
@@ -73,7 +79,7 @@ void readText(QFile& file, QImage& image, qint64 greatest)
         for (int x = 0; x < image.width(); ++x) {
             const qint64 value = text.number();
             if (value < 0) {
-                refuse(file.fileName(), translated("truncated or damaged"));
+                refuse(file.fileName(), Text::tr("truncated or damaged"));
             }
             if (value > greatest) {
                 refuseValue(file.fileName());
@@ -94,7 +100,7 @@ void readBytes(QFile& file, QImage& image, qint64 greatest)
     for (int y = 0; y < image.height(); ++y) {
         uchar* line = image.scanLine(y);
         if (file.read(reinterpret_cast<char*>(line), bytes) != bytes) {
-            refuse(file.fileName(), translated("truncated"));
+            refuse(file.fileName(), Text::tr("truncated"));
         }
         quint16 most = 0;
         if (wide) {
@@ -125,14 +131,14 @@ Frame darkframes::readPgm(const QString& fileName)
     const QByteArray kind = file.read(2);
     const bool asBytes = kind == "P5";
     if (!asBytes && kind != "P2") {
-        refuse(fileName, translated("not a PGM file"));
+        refuse(fileName, Text::tr("not a PGM file"));
     }
     PgmText text(file);
     const qint64 width = text.number();
     const qint64 height = text.number();
     const qint64 greatest = text.number();
     if (width < 0 || height < 0 || greatest < 1 || greatest > 65535) {
-        refuse(fileName, translated("damaged: its header says no size and depth of an image"));
+        refuse(fileName, Text::tr("damaged: its header says no size and depth of an image"));
     }
     const bool wide = greatest > 255;
     const auto rest = static_cast<quint64>(file.size() - file.pos());
@@ -142,7 +148,7 @@ Frame darkframes::readPgm(const QString& fileName)
     QImage image(static_cast<int>(width), static_cast<int>(height),
                  wide ? QImage::Format_Grayscale16 : QImage::Format_Grayscale8);
     if (image.isNull()) {
-        refuse(fileName, translated("not enough memory"));
+        refuse(fileName, Text::tr("not enough memory"));
     }
     if (asBytes) {
         readBytes(file, image, greatest);

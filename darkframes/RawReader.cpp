@@ -5,6 +5,7 @@
 #include "darkframes/FrameSize.h"
 #include "darkframes/TiffHeader.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
 
@@ -14,8 +15,13 @@
 
 namespace {
 
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(RawReader)
+};
+
 using darkframes::refuse;
-using darkframes::translated;
 
 /// LibRaw takes a DNG file whose end is missing as long as it finds the pixels.
 void checkEnd(const QString& fileName)
@@ -26,7 +32,7 @@ void checkEnd(const QString& fileName)
     }
     const std::optional<TiffHeader> header = TiffHeader::read(file);
     if (header && header->isDng && !header->complete) {
-        refuse(fileName, translated("truncated"));
+        refuse(fileName, Text::tr("truncated"));
     }
 }
 
@@ -74,10 +80,10 @@ void check(const QString& fileName, int result)
         return;
     }
     if (result == LIBRAW_IO_ERROR || result == LIBRAW_DATA_ERROR) {
-        refuse(fileName, translated("truncated or damaged"));
+        refuse(fileName, Text::tr("truncated or damaged"));
     }
     if (result == LIBRAW_FILE_UNSUPPORTED) {
-        refuse(fileName, translated("not a camera raw file that LibRaw knows"));
+        refuse(fileName, Text::tr("not a camera raw file that LibRaw knows"));
     }
     refuse(fileName, QString::fromLatin1(libraw_strerror(result)));
 }
@@ -97,29 +103,29 @@ Frame darkframes::readRaw(const QString& fileName)
     checkClaimedSize(fileName, sizes.raw_width, sizes.raw_height, 1,
                      static_cast<quint64>(QFileInfo(fileName).size()), DeflateRatio);
     if (raw->is_floating_point() != 0) {
-        refuse(fileName, translated("a raw file of floating point numbers; whole ones are read"));
+        refuse(fileName, Text::tr("a raw file of floating point numbers; whole ones are read"));
     }
     std::optional<Mosaic> mosaic = mosaicOf(*raw);
     if (!mosaic || raw->is_fuji_rotated() != 0) {
-        refuse(fileName, translated("neither monochrome nor with colour filters in a pattern of "
-                                    "2 × 2 pixels"));
+        refuse(fileName, Text::tr("neither monochrome nor with colour filters in a pattern of "
+                                  "2 × 2 pixels"));
     }
     check(fileName, raw->unpack());
     if (damaged) {
-        refuse(fileName, translated("truncated or damaged"));
+        refuse(fileName, Text::tr("truncated or damaged"));
     }
     const ushort* values = raw->imgdata.rawdata.raw_image;
     if (values == nullptr) {
-        refuse(fileName, translated("holds no values as the sensor gave them"));
+        refuse(fileName, Text::tr("holds no values as the sensor gave them"));
     }
     if (sizes.left_margin + sizes.width > sizes.raw_width ||
         sizes.top_margin + sizes.height > sizes.raw_height || sizes.width == 0 ||
         sizes.height == 0) {
-        refuse(fileName, translated("damaged: its visible area does not lie on its sensor"));
+        refuse(fileName, Text::tr("damaged: its visible area does not lie on its sensor"));
     }
     QImage image(sizes.width, sizes.height, QImage::Format_Grayscale16);
     if (image.isNull()) {
-        refuse(fileName, translated("not enough memory"));
+        refuse(fileName, Text::tr("not enough memory"));
     }
     const std::size_t pitch = sizes.raw_pitch / sizeof(ushort);
     for (int y = 0; y < image.height(); ++y) {

@@ -66,6 +66,7 @@ svg text { fill: var(--faint); font: 11px system-ui, "Segoe UI", "DejaVu Sans", 
 .mark { stroke-width: 1; fill: none; }
 .mark.new { fill: var(--new); }
 .mark.known { stroke: var(--known); }
+.mark.nothot { stroke: var(--known); stroke-width: 1.6; }
 .mark.flickering { stroke: var(--flickering); }
 .mark.clustered { fill: var(--clustered); stroke: var(--paper); stroke-width: .4; }
 .legend { list-style: none; display: flex; flex-wrap: wrap; gap: .2rem 1.4rem; margin: .5rem 0 0; padding: 0; }

@@ -4,6 +4,8 @@
 #include "darkframes/FrameError.h"
 #include "darkframes/SvgChart.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <array>
 #include <numeric>
@@ -11,8 +13,13 @@
 
 namespace {
 
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(SensorMap)
+};
+
 using darkframes::svgNumber;
-using darkframes::translated;
 
 constexpr double Width = 420; ///< of the viewport
 
@@ -35,17 +42,22 @@ bool isKnown(const FoundPixel& pixel)
 }
 
 constexpr std::array Kinds{
-    Kind{"clustered", QT_TRANSLATE_NOOP("darkframes", "in a cluster"),
+    Kind{"clustered", QT_TRANSLATE_NOOP("SensorMap", "in a cluster"),
          [](const FoundPixel& pixel) { return pixel.isClustered; },
          "m 0 -1.8 l 1.6 2.9 l -3.2 0 z"},
-    Kind{"known", QT_TRANSLATE_NOOP("darkframes", "known"), &isKnown,
+    Kind{"known", QT_TRANSLATE_NOOP("SensorMap", "known"), &isKnown,
          "m -0.9 -0.9 l 1.8 0 l 0 1.8 l -1.8 0 z"},
-    Kind{"flickering", QT_TRANSLATE_NOOP("darkframes", "flickering"),
+    Kind{"nothot", QT_TRANSLATE_NOOP("SensorMap", "in a list, but not hot"),
+         [](const FoundPixel& pixel) { return pixel.foundClass == FoundClass::NotHot; },
+         "m -1.2 0 l 2.4 0"},
+    Kind{"flickering", QT_TRANSLATE_NOOP("SensorMap", "flickering"),
          [](const FoundPixel& pixel) { return pixel.foundClass == FoundClass::Flickering; },
          "m -1 -1 l 2 2 m 0 -2 l -2 2"},
-    Kind{"new", QT_TRANSLATE_NOOP("darkframes", "new"), [](const FoundPixel&) { return true; },
+    Kind{"new", QT_TRANSLATE_NOOP("SensorMap", "new"), [](const FoundPixel&) { return true; },
          "m -0.9 0 a 0.9 0.9 0 1 0 1.8 0 a 0.9 0.9 0 1 0 -1.8 0"},
 };
+
+constexpr std::size_t NotHot = 2; ///< among the kinds
 
 std::size_t kindOf(const FoundPixel& pixel)
 {
@@ -126,7 +138,7 @@ QString darkframes::sensorMap(const ImageInfo& info, std::span<const FoundPixel>
         QStringLiteral("<svg class=\"map\" viewBox=\"-%1 -%1 %2 %3\" role=\"img\" "
                        "aria-label=\"%4\">")
             .arg(svgNumber(Margin), svgNumber(width + 2 * Margin), svgNumber(height + 2 * Margin),
-                 translated("Map of the sensor with the pixels that were found"));
+                 Text::tr("Map of the sensor with the pixels that were found"));
     svg += QStringLiteral("<rect class=\"sensor\" width=\"%1\" height=\"%2\"/>")
                .arg(svgNumber(width), svgNumber(height));
     svg += QStringLiteral("<text x=\"0\" y=\"-4\">0, 0</text><text x=\"%1\" y=\"%2\" "
@@ -147,9 +159,13 @@ QString darkframes::sensorMapLegend(std::span<const FoundPixel> pixels)
     const auto found = counts(pixels);
     QString legend = QStringLiteral("<ul class=\"legend\">");
     for (std::size_t kind = 0; kind < Kinds.size(); ++kind) {
-        QString title = translated("%1: %2").arg(translated(Kinds[kind].title)).arg(found[kind]);
+        // Only who looks at lists has an eye for this kind.
+        if (kind == NotHot && found[kind] == 0) {
+            continue;
+        }
+        QString title = Text::tr("%1: %2").arg(Text::tr(Kinds[kind].title)).arg(found[kind]);
         if (found[kind] > MostMarks) {
-            title += translated(", of which every %1. is drawn").arg(found[kind] / MostMarks + 1);
+            title += Text::tr(", of which every %1. is drawn").arg(found[kind] / MostMarks + 1);
         }
         legend += QStringLiteral("<li><svg viewBox=\"-6 -6 12 12\"><path class=\"mark %1\" "
                                  "d=\"M0 0%2\"/></svg>%3</li>")

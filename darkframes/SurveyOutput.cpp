@@ -3,6 +3,7 @@
 
 #include "darkframes/FrameError.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 
 #include <algorithm>
@@ -10,7 +11,11 @@
 
 namespace {
 
-using darkframes::translated;
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(SurveyOutput)
+};
 
 /// What of a plane's figures stands in a table or an object, in this order.
 struct Figure
@@ -21,22 +26,24 @@ struct Figure
 };
 
 constexpr std::array Figures{
-    Figure{"mean", QT_TRANSLATE_NOOP("darkframes", "mean"), &PlaneStatistics::mean},
-    Figure{"median", QT_TRANSLATE_NOOP("darkframes", "median"), &PlaneStatistics::median},
-    Figure{"deviation", QT_TRANSLATE_NOOP("darkframes", "deviation"), &PlaneStatistics::deviation},
-    Figure{"robustDeviation", QT_TRANSLATE_NOOP("darkframes", "robust"),
+    Figure{"mean", QT_TRANSLATE_NOOP("SurveyOutput", "mean"), &PlaneStatistics::mean},
+    Figure{"median", QT_TRANSLATE_NOOP("SurveyOutput", "median"), &PlaneStatistics::median},
+    Figure{"deviation", QT_TRANSLATE_NOOP("SurveyOutput", "deviation"),
+           &PlaneStatistics::deviation},
+    Figure{"robustDeviation", QT_TRANSLATE_NOOP("SurveyOutput", "robust"),
            &PlaneStatistics::robustDeviation},
-    Figure{"minimum", QT_TRANSLATE_NOOP("darkframes", "least"), &PlaneStatistics::minimum},
-    Figure{"maximum", QT_TRANSLATE_NOOP("darkframes", "greatest"), &PlaneStatistics::maximum},
+    Figure{"minimum", QT_TRANSLATE_NOOP("SurveyOutput", "least"), &PlaneStatistics::minimum},
+    Figure{"maximum", QT_TRANSLATE_NOOP("SurveyOutput", "greatest"), &PlaneStatistics::maximum},
 };
 
 constexpr std::array Nonuniformity{
-    Figure{"temporalNoise", QT_TRANSLATE_NOOP("darkframes", "noise"),
+    Figure{"temporalNoise", QT_TRANSLATE_NOOP("SurveyOutput", "noise"),
            &PlaneStatistics::temporalNoise},
-    Figure{"dsnu", QT_TRANSLATE_NOOP("darkframes", "DSNU"), &PlaneStatistics::dsnu},
-    Figure{"dsnuRow", QT_TRANSLATE_NOOP("darkframes", "rows"), &PlaneStatistics::dsnuRow},
-    Figure{"dsnuColumn", QT_TRANSLATE_NOOP("darkframes", "columns"), &PlaneStatistics::dsnuColumn},
-    Figure{"dsnuPixel", QT_TRANSLATE_NOOP("darkframes", "pixels"), &PlaneStatistics::dsnuPixel},
+    Figure{"dsnu", QT_TRANSLATE_NOOP("SurveyOutput", "DSNU"), &PlaneStatistics::dsnu},
+    Figure{"dsnuRow", QT_TRANSLATE_NOOP("SurveyOutput", "rows"), &PlaneStatistics::dsnuRow},
+    Figure{"dsnuColumn", QT_TRANSLATE_NOOP("SurveyOutput", "columns"),
+           &PlaneStatistics::dsnuColumn},
+    Figure{"dsnuPixel", QT_TRANSLATE_NOOP("SurveyOutput", "pixels"), &PlaneStatistics::dsnuPixel},
 };
 
 QJsonValue number(const std::optional<double>& value)
@@ -139,16 +146,16 @@ QString figureText(const std::optional<double>& value)
 template <typename FigureList>
 QString figureTable(const Survey& survey, const FigureList& figures, bool withPixels)
 {
-    QStringList titles{translated("plane")};
+    QStringList titles{Text::tr("plane")};
     if (withPixels) {
-        titles.append(translated("pixels"));
+        titles.append(Text::tr("pixels"));
     }
     for (const Figure& figure : figures) {
-        titles.append(translated(figure.title));
+        titles.append(Text::tr(figure.title));
     }
     TextTable table(titles);
     for (const PlaneStatistics& plane : survey.planes) {
-        QStringList row{plane.plane.name};
+        QStringList row{plane.plane.title()};
         if (withPixels) {
             row.append(QString::number(plane.pixels));
         }
@@ -163,9 +170,9 @@ QString figureTable(const Survey& survey, const FigureList& figures, bool withPi
 /// Ends with the first threshold above which there is no pixel.
 QString thresholdTable(const Survey& survey)
 {
-    QStringList titles{translated("by more than")};
+    QStringList titles{Text::tr("by more than")};
     for (const PlaneStatistics& plane : survey.planes) {
-        titles.append(plane.plane.name);
+        titles.append(plane.plane.title());
     }
     TextTable table(titles);
     for (const std::uint32_t threshold : darkframes::surveyThresholds(survey.info.bitsPerPixel)) {
@@ -187,7 +194,7 @@ QString clusterText(const PixelClusters& clusters)
     QStringList lines;
     for (std::size_t i = 0; i < std::min(Shown, clusters.clusters.size()); ++i) {
         const PixelCluster& cluster = clusters.clusters[i];
-        lines.append(translated("  %1 pixels from (%2, %3) to (%4, %5)")
+        lines.append(Text::tr("  %1 pixels from (%2, %3) to (%4, %5)")
                          .arg(cluster.pixels, 6)
                          .arg(cluster.left)
                          .arg(cluster.top)
@@ -195,7 +202,7 @@ QString clusterText(const PixelClusters& clusters)
                          .arg(cluster.bottom));
     }
     if (clusters.clusters.size() > Shown) {
-        lines.append(translated("  and %1 more").arg(clusters.clusters.size() - Shown));
+        lines.append(Text::tr("  and %1 more").arg(clusters.clusters.size() - Shown));
     }
     return lines.join(u'\n');
 }
@@ -203,7 +210,7 @@ QString clusterText(const PixelClusters& clusters)
 QString flickeringText(const DarkStack& stack, std::span<const PixelPosition> pixels)
 {
     constexpr std::size_t Shown = 50;
-    TextTable table({translated("x"), translated("y"), translated("mean"), translated("greatest")});
+    TextTable table({Text::tr("x"), Text::tr("y"), Text::tr("mean"), Text::tr("greatest")});
     for (const PixelPosition& pixel : pixels.first(std::min(Shown, pixels.size()))) {
         const std::size_t index = std::size_t{pixel.y} * stack.info().width + pixel.x;
         table.addRow({QString::number(pixel.x), QString::number(pixel.y),
@@ -212,25 +219,25 @@ QString flickeringText(const DarkStack& stack, std::span<const PixelPosition> pi
     }
     QString text = table.text();
     if (pixels.size() > Shown) {
-        text += u'\n' + translated("  and %1 more").arg(pixels.size() - Shown);
+        text += u'\n' + Text::tr("  and %1 more").arg(pixels.size() - Shown);
     }
     return text;
 }
 
 QString roomText(const Survey& survey, const ListRoom& room)
 {
-    const QString list = translated("The list has room for %1 more pixels (%2 in all).")
+    const QString list = Text::tr("The list has room for %1 more pixels (%2 in all).")
                              .arg(room.capacity - std::min(room.capacity, room.taken))
                              .arg(room.capacity);
     if (!room.filling) {
-        return list + u' ' + translated("No threshold finds so few.");
+        return list + u' ' + Text::tr("No threshold finds so few.");
     }
     const FillingThreshold& filling = *room.filling;
     QString text =
         list + u' ' +
-        translated("Threshold %1 fills it with %2").arg(filling.threshold).arg(filling.found);
+        Text::tr("Threshold %1 fills it with %2").arg(filling.threshold).arg(filling.found);
     if (filling.threshold == darkframes::surveyThresholds(survey.info.bitsPerPixel).front()) {
-        text += translated("; it is the least that there is");
+        text += Text::tr("; it is the least that there is");
     }
     return text + u'.';
 }
@@ -285,36 +292,36 @@ QString darkframes::surveyText(const DarkStack& stack, const Survey& survey,
                                const Findings& findings, const std::optional<ListRoom>& room)
 {
     QStringList parts;
-    parts.append(translated("Mean image of %1 frames, %2 × %3 pixels of %4 bits, grey levels:")
+    parts.append(Text::tr("Mean image of %1 frames, %2 × %3 pixels of %4 bits, grey levels:")
                      .arg(survey.frames)
                      .arg(survey.info.width)
                      .arg(survey.info.height)
                      .arg(survey.info.bitsPerPixel));
     parts.append(figureTable(survey, Figures, true));
-    parts.append(translated("\nTemporal noise and dark signal nonuniformity (EMVA 1288, 4.0):"));
+    parts.append(Text::tr("\nTemporal noise and dark signal nonuniformity (EMVA 1288, 4.0):"));
     parts.append(figureTable(survey, Nonuniformity, false));
-    parts.append(translated("\nPixels above the mean of their plane:"));
+    parts.append(Text::tr("\nPixels above the mean of their plane:"));
     parts.append(thresholdTable(survey));
     if (room) {
         parts.append(u'\n' + roomText(survey, *room));
     }
     const std::size_t hot = findings.pixels.hot.size();
     parts.append(findings.rule.sigma
-                     ? translated("\nMore than %1 robust deviations above the median: %2 pixels")
+                     ? Text::tr("\nMore than %1 robust deviations above the median: %2 pixels")
                            .arg(*findings.rule.sigma)
                            .arg(hot)
-                     : translated("\nMore than %1 grey levels above the mean: %2 pixels")
+                     : Text::tr("\nMore than %1 grey levels above the mean: %2 pixels")
                            .arg(findings.rule.threshold)
                            .arg(hot));
     const PixelClusters& clusters = findings.clusters;
-    parts.append(translated("Clusters: %1 with %2 of those pixels")
+    parts.append(Text::tr("Clusters: %1 with %2 of those pixels")
                      .arg(clusters.clusters.size())
                      .arg(clusters.pixels()));
     if (!clusters.clusters.empty()) {
         parts.append(clusterText(clusters));
     }
     const auto& flickering = findings.pixels.flickering;
-    parts.append(translated("Flickering, above the limit in a frame but not in their mean: %1")
+    parts.append(Text::tr("Flickering, above the limit in a frame but not in their mean: %1")
                      .arg(flickering.size()));
     if (!flickering.empty()) {
         parts.append(flickeringText(stack, flickering));

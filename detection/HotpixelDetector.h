@@ -3,10 +3,14 @@
 
 #include "detection/BadpixelDetector.h"
 
+#include <QCoreApplication>
+
 /// Finds the pixels whose mean over the dark frames lies more than a threshold above the mean of
 /// all pixels of their plane. Used on the thread that the list it fills belongs to.
 class HotpixelDetector : public BadpixelDetector
 {
+    Q_DECLARE_TR_FUNCTIONS(HotpixelDetector)
+
 public:
     /// Sums and counts the elements; both wrap at 32 bits.
     class MeanIterator final : public Matrix<unsigned int>::Iterator

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cstddef>
 #include <memory>
@@ -13,6 +15,8 @@
 template <typename T>
 class Matrix
 {
+    Q_DECLARE_TR_FUNCTIONS(Matrix)
+
 public:
     /// What is done to each element. Visitors are plain objects of whoever runs them and may keep
     /// state from one element to the next.
@@ -43,7 +47,7 @@ public:
         , m_sizeY(sizeY)
     {
         if (sizeX == 0 || sizeY == 0) {
-            throw std::length_error("Matrix has no size");
+            throw std::length_error(tr("Matrix has no size").toStdString());
         }
         m_data = std::make_unique_for_overwrite<T[]>(std::size_t{sizeX} * sizeY);
     }

@@ -22,15 +22,21 @@
 namespace hotpixel {
 namespace {
 
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(BadpixelListFile)
+};
+
 constexpr const char* CantOpenForReading =
-    QT_TRANSLATE_NOOP("BadpixelListModel", "Can't open file for reading.");
+    QT_TRANSLATE_NOOP("BadpixelListFile", "Can't open file for reading.");
 constexpr const char* CantOpenForWriting =
-    QT_TRANSLATE_NOOP("BadpixelListModel", "Can't open file for writing.");
-constexpr const char* CantWrite = QT_TRANSLATE_NOOP("BadpixelListModel", "Can't write file.");
+    QT_TRANSLATE_NOOP("BadpixelListFile", "Can't open file for writing.");
+constexpr const char* CantWrite = QT_TRANSLATE_NOOP("BadpixelListFile", "Can't write file.");
 
 [[noreturn]] void fail(const char* text)
 {
-    throw std::runtime_error(QCoreApplication::translate("BadpixelListModel", text).toStdString());
+    throw std::runtime_error(Text::tr(text).toStdString());
 }
 
 char* appendNumber(char* position, std::uint16_t number)

@@ -103,6 +103,6 @@ void CameraLists::check(std::int32_t result, const QString& what) const
 {
     if (result != 0) {
         throw std::runtime_error(
-            tr("%1: %2").arg(what, QString::fromLatin1(m_camera.errorText(result))).toStdString());
+            tr("%1: %2").arg(what, m_camera.errorMessage(result)).toStdString());
     }
 }

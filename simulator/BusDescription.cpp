@@ -19,10 +19,11 @@
 
 namespace {
 
-QString translated(const char* text)
+/// Where these texts belong.
+struct Text
 {
-    return QCoreApplication::translate("BusDescription", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(BusDescription)
+};
 
 [[noreturn]] void refuse(const QString& text)
 {
@@ -67,7 +68,7 @@ public:
         bool isNumber = false;
         const double read = given->toDouble(&isNumber);
         if (!isNumber || !(read >= least && read <= most)) {
-            refuse(translated("[%1] %2 must be a number from %3 to %4, not \"%5\"")
+            refuse(Text::tr("[%1] %2 must be a number from %3 to %4, not \"%5\"")
                        .arg(m_name, QLatin1String(key))
                        .arg(least)
                        .arg(most)
@@ -86,7 +87,7 @@ public:
         bool isNumber = false;
         const qint64 read = given->toLongLong(&isNumber);
         if (!isNumber || read < least || read > most) {
-            refuse(translated("[%1] %2 must be a whole number from %3 to %4, not \"%5\"")
+            refuse(Text::tr("[%1] %2 must be a whole number from %3 to %4, not \"%5\"")
                        .arg(m_name, QLatin1String(key))
                        .arg(least)
                        .arg(most)
@@ -101,8 +102,8 @@ public:
         const QString given = text(key).value_or(words[otherwise]);
         const qsizetype index = words.indexOf(given);
         if (index < 0) {
-            refuse(translated("[%1] %2 must be %3, not \"%4\"")
-                       .arg(m_name, QLatin1String(key), words.join(translated(" or ")),
+            refuse(Text::tr("[%1] %2 must be %3, not \"%4\"")
+                       .arg(m_name, QLatin1String(key), words.join(Text::tr(" or ")),
                             shortened(given)));
         }
         return index;
@@ -120,7 +121,7 @@ public:
         value = text(key).value_or(value);
         if (value.isEmpty() || value.size() > 15 ||
             !std::all_of(value.begin(), value.end(), isAllowed)) {
-            refuse(translated("[%1] %2 must have 1 to 15 plain characters, not \"%3\"")
+            refuse(Text::tr("[%1] %2 must have 1 to 15 plain characters, not \"%3\"")
                        .arg(m_name, QLatin1String(key), shortened(value)));
         }
     }
@@ -128,7 +129,7 @@ public:
     void refuseTheRest() const
     {
         if (!m_unasked.empty()) {
-            refuse(translated("[%1] there is no setting \"%2\"")
+            refuse(Text::tr("[%1] there is no setting \"%2\"")
                        .arg(m_name, shortened(*m_unasked.begin())));
         }
     }
@@ -225,7 +226,7 @@ CameraDescription readCamera(Group group, std::uint32_t number, const QDir& fold
 
     constexpr qint64 MostPixels = qint64{128} << 20;
     if (pixels > MostPixels) {
-        refuse(translated("camera %1: a sensor of %2 x %3 pixels is too large")
+        refuse(Text::tr("camera %1: a sensor of %2 x %3 pixels is too large")
                    .arg(number)
                    .arg(camera.width)
                    .arg(camera.height));
@@ -248,28 +249,27 @@ BusDescription readWholeBus(const QString& fileName)
     std::set<std::uint32_t> devIds;
     const QStringList groups = file.childGroups();
     if (!file.childKeys().isEmpty()) {
-        refuse(
-            translated("\"%1\" stands outside of a group").arg(file.childKeys().first().left(40)));
+        refuse(Text::tr("\"%1\" stands outside of a group").arg(file.childKeys().first().left(40)));
     }
     for (const QString& name : groups) {
         if (name == QLatin1String("bus")) {
             continue;
         }
         if (!name.startsWith(QLatin1String("camera"))) {
-            refuse(translated("[%1] is neither [bus] nor a camera").arg(name.left(40)));
+            refuse(Text::tr("[%1] is neither [bus] nor a camera").arg(name.left(40)));
         }
         constexpr std::size_t MostCameras = 64;
         if (bus.cameras.size() == MostCameras) {
-            refuse(translated("there are more than %1 cameras").arg(MostCameras));
+            refuse(Text::tr("there are more than %1 cameras").arg(MostCameras));
         }
         const auto number = static_cast<std::uint32_t>(bus.cameras.size() + 1);
         bus.cameras.push_back(readCamera(Group(file, name), number, folder));
         const CameraDescription& camera = bus.cameras.back();
         if (!serials.insert(camera.serial).second) {
-            refuse(translated("the serial number %1 is there twice").arg(camera.serial));
+            refuse(Text::tr("the serial number %1 is there twice").arg(camera.serial));
         }
         if (!devIds.insert(camera.devId).second) {
-            refuse(translated("the devId %1 is there twice").arg(camera.devId));
+            refuse(Text::tr("the devId %1 is there twice").arg(camera.devId));
         }
     }
     return bus;
@@ -349,7 +349,7 @@ BusDescription readBus(const QString& fileName)
         return readWholeBus(fileName);
     } catch (const std::runtime_error& error) {
         BusDescription bus = builtInBus();
-        bus.message = translated("%1: %2; the built-in cameras are used instead")
+        bus.message = Text::tr("%1: %2; the built-in cameras are used instead")
                           .arg(fileName, QString::fromUtf8(error.what()));
         return bus;
     }

@@ -20,6 +20,12 @@
 
 namespace {
 
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(EepromFile)
+};
+
 constexpr char FirstLine[] = "vorn-eeprom 1";
 constexpr char ChecksumWord[] = "sha256 ";
 constexpr qint64 LargestFile = qint64{4} << 20; // two lists of 65535 entries take less
@@ -153,14 +159,14 @@ EepromContent EepromFile::read() const
 {
     QFile file(m_fileName);
     if (!QFileInfo(m_fileName).isFile()) {
-        fail(m_fileName, QCoreApplication::translate("EepromFile", "not a file"));
+        fail(m_fileName, Text::tr("not a file"));
     }
     if (!file.open(QIODevice::ReadOnly)) {
         fail(m_fileName, file.errorString());
     }
     const std::optional<EepromContent> content = parse(file.read(LargestFile));
     if (!content) {
-        fail(m_fileName, QCoreApplication::translate("EepromFile", "the EEPROM file is damaged"));
+        fail(m_fileName, Text::tr("the EEPROM file is damaged"));
     }
     return *content;
 }

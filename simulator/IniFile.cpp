@@ -9,14 +9,15 @@
 
 namespace {
 
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(IniFile)
+};
+
 [[noreturn]] void refuse(const QString& reason)
 {
     throw std::runtime_error(reason.toStdString());
-}
-
-QString translated(const char* text)
-{
-    return QCoreApplication::translate("IniFile", text);
 }
 
 } // namespace
@@ -26,7 +27,7 @@ namespace simulator {
 std::unique_ptr<QSettings> openIniFile(const QString& fileName)
 {
     if (!QFileInfo(fileName).isFile()) {
-        refuse(translated("there is no such file"));
+        refuse(Text::tr("there is no such file"));
     }
     QFile file(fileName);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -35,14 +36,14 @@ std::unique_ptr<QSettings> openIniFile(const QString& fileName)
     constexpr qint64 LargestFile = qint64{1} << 20;
     const QByteArray text = file.read(LargestFile + 1);
     if (text.size() > LargestFile) {
-        refuse(translated("the file is too large"));
+        refuse(Text::tr("the file is too large"));
     }
     if (text.contains('@') || text.contains('\\')) {
-        refuse(translated("the characters @ and \\ can't be used"));
+        refuse(Text::tr("the characters @ and \\ can't be used"));
     }
     auto settings = std::make_unique<QSettings>(fileName, QSettings::IniFormat);
     if (settings->status() != QSettings::NoError) {
-        refuse(translated("the file is not an INI file"));
+        refuse(Text::tr("the file is not an INI file"));
     }
     return settings;
 }

@@ -13,12 +13,13 @@
 
 namespace {
 
-constexpr qint64 MostBytes = qint64{512} << 20;
-
-QString translated(const char* text)
+/// Where these texts belong.
+struct Text
 {
-    return QCoreApplication::translate("RecordedFrames", text);
-}
+    Q_DECLARE_TR_FUNCTIONS(RecordedFrames)
+};
+
+constexpr qint64 MostBytes = qint64{512} << 20;
 
 [[noreturn]] void refuse(const QString& text)
 {
@@ -51,15 +52,15 @@ QByteArray readFrame(const QString& fileName, int width, int height)
     QImageReader reader(fileName);
     const QImage image = reader.read();
     if (image.isNull()) {
-        refuse(translated("%1: %2").arg(fileName, reader.errorString()));
+        refuse(Text::tr("%1: %2").arg(fileName, reader.errorString()));
     }
-    const QString notGrey = translated("%1: not an 8-bit grey image").arg(fileName);
+    const QString notGrey = Text::tr("%1: not an 8-bit grey image").arg(fileName);
     const std::vector<int> values = greyValues(image);
     if (values.empty()) {
         refuse(notGrey);
     }
     if (image.width() != width || image.height() != height) {
-        refuse(translated("%1: %2 x %3 pixels instead of %4 x %5")
+        refuse(Text::tr("%1: %2 x %3 pixels instead of %4 x %5")
                    .arg(fileName)
                    .arg(image.width())
                    .arg(image.height())
@@ -92,10 +93,10 @@ RecordedFrames::RecordedFrames(const QString& folder, int width, int height)
         {QStringLiteral("*.png"), QStringLiteral("*.tif"), QStringLiteral("*.tiff")}, QDir::Files,
         QDir::Name);
     if (files.isEmpty()) {
-        refuse(translated("There are no recorded frames in %1.").arg(folder));
+        refuse(Text::tr("There are no recorded frames in %1.").arg(folder));
     }
     if (files.size() * qint64{width} * height > MostBytes) {
-        refuse(translated("The recorded frames in %1 take more than %2 MB.")
+        refuse(Text::tr("The recorded frames in %1 take more than %2 MB.")
                    .arg(folder)
                    .arg(MostBytes >> 20));
     }

@@ -4,6 +4,16 @@
 
 #include <QCoreApplication>
 
+namespace {
+
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(SimulatedSdkSwitches)
+};
+
+} // namespace
+
 std::vector<SdkSwitch> sdkSwitches()
 {
     const auto cover = [](CameraSdk& sdk, std::uint32_t devId) {
@@ -11,6 +21,5 @@ std::vector<SdkSwitch> sdkSwitches()
             simulated->control(simulated->serialOf(devId)).setCovered(true);
         }
     };
-    return {{QStringLiteral("cover"),
-             QCoreApplication::translate("SdkExtras", "Cover the simulated camera."), cover}};
+    return {{QStringLiteral("cover"), Text::tr("Cover the simulated camera."), cover}};
 }

@@ -23,14 +23,17 @@ _vorn_hotpixel() {
   elif [[ -z $kind && " ${COMP_WORDS[*]} " = *" --frames "* ]]; then
     kind=FRAMES
   elif [[ -z $kind ]]; then
-    # "Usage: PROGRAM COMMAND CAMERA FILE [options]"
-    kind=$(sed -nE 's/^Usage: [^ ]+ [^ ]+ (.*) \[options\]$/\1/p' <<<"$help")
-    # The last argument may be there any number of times: "Usage: PROGRAM COMMAND LIST LIST... [options]"
-    if [[ $kind = *... && ${#words[@]} -gt $(wc -w <<<"$kind") ]]; then
-      kind=${kind##* }
-    else
-      kind=$(cut -d ' ' -f "${#words[@]}" <<<"$kind")
-    fi
+    # "Usage: PROGRAM COMMAND CAMERA... FILE [options]": from a value with dots on, it may be that
+    # one again or the one behind it.
+    local -a values=()
+    read -ra values < <(sed -nE 's/^Usage: [^ ]+ [^ ]+ //p' <<<"$help")
+    kind=${values[${#words[@]} - 1]:-}
+    for ((i = 0; i < ${#words[@]} && i < ${#values[@]}; i++)); do
+      if [[ ${values[i]} = *... ]]; then
+        kind="${values[i]} ${values[i + 1]:-}"
+        break
+      fi
+    done
   fi
 
   case $kind in
@@ -40,17 +43,20 @@ _vorn_hotpixel() {
     commands)
       mapfile -t COMPREPLY < <(compgen -W \
         "$(sed -nE '/^Commands.*:$/,/^$/s/^  ([a-z][a-z-]*).*/\1/p' <<<"$help")" -- "$word") ;;
-    CAMERA | "CAMERA|"*)
-      mapfile -t COMPREPLY < <(compgen -W \
-        "$("$program" cameras --json 2>/dev/null | grep -oE '"serNo":"[^"]*"' | cut -d '"' -f 4)" \
-        -- "$word") ;;
     FORMAT)
       mapfile -t COMPREPLY < <(compgen -W \
         "$("$program" convert --help 2>/dev/null |
           sed -nE '/^Formats:$/,/^$/s/^  ([a-z][a-z0-9]*) .*/\1/p')" -- "$word") ;;
-    IN | OUT | *FILE* | *FRAME* | *FOLDER* | *LIST* | *DIR*)
-      compopt -o filenames 2>/dev/null
-      mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+    *)
+      if [[ $kind = *CAMERA* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W \
+          "$("$program" cameras --json 2>/dev/null | grep -oE '"serNo":"[^"]*"' | cut -d '"' -f 4)" \
+          -- "$word")
+      fi
+      if [[ $kind =~ ^IN|^OUT|FILE|FRAME|FOLDER|LIST|DIR && ${#COMPREPLY[@]} = 0 ]]; then
+        compopt -o filenames 2>/dev/null
+        mapfile -t COMPREPLY < <(compgen -f -- "$word")
+      fi ;;
   esac
 }
 complete -F _vorn_hotpixel vorn-hotpixel-demo

@@ -70,18 +70,17 @@ QAction* WindowTest::action(const QString& text) const
             return candidate;
         }
     }
-    ADD_FAILURE() << "no action " << text.toStdString();
-    return nullptr;
+    throw std::runtime_error("The window has no action '" + text.toStdString() + "'.");
 }
 
 QTableView* WindowTest::cameraView() const
 {
-    return window->findChild<QDockWidget*>("CameraListDock")->findChild<QTableView*>();
+    return child<QDockWidget>("CameraListDock")->findChild<QTableView*>();
 }
 
 QTableView* WindowTest::badpixelView() const
 {
-    return window->findChild<QDockWidget*>("BadpixelListDock")->findChild<QTableView*>();
+    return child<QDockWidget>("BadpixelListDock")->findChild<QTableView*>();
 }
 
 DisplayWidget* WindowTest::display() const

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/MainWindow.h"
-#include "tests/app/ScriptedSdk.h"
+#include "tests/sdk/ScriptedSdk.h"
 
 #include <QAction>
 #include <QDockWidget>
@@ -14,6 +14,8 @@
 
 #include <functional>
 #include <memory>
+#include <stdexcept>
+#include <string>
 #include <vector>
 
 class DetectionDialogue;
@@ -41,15 +43,22 @@ protected:
     /// until the window has it.
     void sendFrame(int grey, const QList<QPoint>& bright = {}, int brightValue = 200);
 
+    /// The part of the window with that name; the first of its kind for none.
+    /// Throws std::runtime_error, which fails the test, when there is none.
     template <typename T>
     [[nodiscard]] T* child(const QString& name = {}) const
     {
         T* const found = window->findChild<T*>(name);
-        EXPECT_NE(found, nullptr) << "no " << T::staticMetaObject.className() << " '"
-                                  << name.toStdString() << "'";
+        if (found == nullptr) {
+            throw std::runtime_error(std::string("The window has no ") +
+                                     T::staticMetaObject.className() + " '" + name.toStdString() +
+                                     "'.");
+        }
         return found;
     }
 
+    /// The action with that text. Throws std::runtime_error, which fails the test, when there is
+    /// none.
     [[nodiscard]] QAction* action(const QString& text) const;
     [[nodiscard]] QTableView* cameraView() const;
     [[nodiscard]] QTableView* badpixelView() const;

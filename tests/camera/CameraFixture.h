@@ -2,7 +2,8 @@
 #pragma once
 
 #include "camera/Camera.h"
-#include "tests/camera/RecordingCameraSdk.h"
+#include "tests/sdk/CannedCameraSdk.h"
+#include "tests/sdk/RecordingCameraSdk.h"
 
 #include <QMetaMethod>
 #include <gtest/gtest.h>
@@ -78,7 +79,8 @@ protected:
         return {};
     }
 
-    RecordingCameraSdk sdk;
+    CannedCameraSdk answers;
+    RecordingCameraSdk sdk{answers};
     std::optional<Camera> camera;
 };
 

@@ -11,19 +11,20 @@ class CameraFrame : public CameraFixture
 TEST_F(CameraFrame, LiesOverTheSdksMemory)
 {
     makeOpenCamera();
-    sdk.frameMemory = sdk.memory[1].data();
+    answers.frameMemory = answers.memory[1].data();
     event(2);
     EXPECT_EQ(sdk.takeCalls(), lines("getFrameMemory(7, 0, 0)\n-> newImage\n"));
     EXPECT_EQ(camera->image().size(), QSize(6, 3));
     EXPECT_EQ(camera->image().format(), QImage::Format_Indexed8);
-    EXPECT_EQ(camera->image().constBits(), reinterpret_cast<const uchar*>(sdk.memory[1].data()));
+    EXPECT_EQ(camera->image().constBits(),
+              reinterpret_cast<const uchar*>(answers.memory[1].data()));
     EXPECT_EQ(camera->frameCount(), 1);
 }
 
 TEST_F(CameraFrame, HasAGreyTableThatCostsNoCopy)
 {
     makeOpenCamera();
-    sdk.memory[0][1] = static_cast<char>(200);
+    answers.memory[0][1] = static_cast<char>(200);
     event(2);
     const QImage& image = camera->image();
     ASSERT_EQ(image.colorCount(), 256);
@@ -32,26 +33,27 @@ TEST_F(CameraFrame, HasAGreyTableThatCostsNoCopy)
     }
     EXPECT_EQ(image.pixelIndex(1, 0), 200);
     EXPECT_EQ(image.pixel(1, 0), qRgb(200, 200, 200));
-    EXPECT_EQ(image.constBits(), reinterpret_cast<const uchar*>(sdk.memory[0].data()));
+    EXPECT_EQ(image.constBits(), reinterpret_cast<const uchar*>(answers.memory[0].data()));
 
-    sdk.memory[0][1] = 17;
+    answers.memory[0][1] = 17;
     EXPECT_EQ(image.pixelIndex(1, 0), 17) << "the SDK's memory shows through";
 }
 
 TEST_F(CameraFrame, OfColourModeZeroIsRgb32)
 {
-    sdk.currentColorMode = 0;
-    sdk.sensorWidth = 3;
+    answers.currentColorMode = 0;
+    answers.sensorWidth = 3;
     makeOpenCamera();
     event(2);
     EXPECT_EQ(camera->image().format(), QImage::Format_RGB32);
     EXPECT_EQ(camera->image().colorCount(), 0);
-    EXPECT_EQ(camera->image().constBits(), reinterpret_cast<const uchar*>(sdk.memory[0].data()));
+    EXPECT_EQ(camera->image().constBits(),
+              reinterpret_cast<const uchar*>(answers.memory[0].data()));
 }
 
 TEST_F(CameraFrame, OfColourModeSixIsIndexed)
 {
-    sdk.currentColorMode = 6;
+    answers.currentColorMode = 6;
     makeOpenCamera();
     event(2);
     EXPECT_EQ(camera->image().format(), QImage::Format_Indexed8);
@@ -74,9 +76,9 @@ TEST_F(CameraFrame, OfAReceiversCopySharesTheSdksMemory)
     QImage copy;
     QObject::connect(&*camera, &Camera::newImage, &*camera, [&](QImage& image) { copy = image; });
     event(2);
-    EXPECT_EQ(copy.constBits(), reinterpret_cast<const uchar*>(sdk.memory[0].data()));
+    EXPECT_EQ(copy.constBits(), reinterpret_cast<const uchar*>(answers.memory[0].data()));
     event(2);
-    EXPECT_EQ(camera->image().constBits(), reinterpret_cast<const uchar*>(sdk.memory[0].data()))
+    EXPECT_EQ(camera->image().constBits(), reinterpret_cast<const uchar*>(answers.memory[0].data()))
         << "a copy held by a receiver makes the camera copy nothing either";
 }
 
@@ -95,7 +97,7 @@ TEST_F(CameraFrame, ThatCannotBeHadIsReportedAndCounted)
     event(2);
     sdk.takeCalls();
     sdk.results[QStringLiteral("getFrameMemory(7, 0, 0)")] = {12, 13};
-    sdk.errorTexts[12] = "No frame";
+    answers.errorTexts[12] = "No frame";
     event(2);
     event(2);
     EXPECT_EQ(sdk.takeCalls(), lines("getFrameMemory(7, 0, 0)\n"
@@ -114,9 +116,9 @@ TEST_F(CameraFrame, ThatArrivesWhileReceiversRunOnlyReplacesTheImage)
     int received = 0;
     QObject::connect(&*camera, &Camera::newImage, &*camera, [&](const QImage& image) {
         if (++received == 1) {
-            sdk.frameMemory = sdk.memory[1].data();
+            answers.frameMemory = answers.memory[1].data();
             event(2);
-            EXPECT_EQ(image.constBits(), reinterpret_cast<const uchar*>(sdk.memory[1].data()));
+            EXPECT_EQ(image.constBits(), reinterpret_cast<const uchar*>(answers.memory[1].data()));
         }
     });
     event(2);
@@ -129,7 +131,7 @@ TEST_F(CameraFrame, ThatArrivesWhileReceiversRunOnlyReplacesTheImage)
 TEST_F(CameraFrame, IsGuardedAcrossAllCameras)
 {
     makeOpenCamera();
-    RecordingCameraSdk otherSdk;
+    CannedCameraSdk otherSdk;
     Camera other(otherSdk);
     other.open(5);
     int received = 0;

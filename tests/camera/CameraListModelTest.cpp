@@ -2,7 +2,7 @@
 #include "camera/CameraListModel.h"
 
 #include "camera/Camera.h"
-#include "tests/camera/MockCameraSdk.h"
+#include "tests/sdk/MockCameraSdk.h"
 
 #include <QAbstractItemModelTester>
 #include <QSignalSpy>

@@ -122,7 +122,7 @@ TEST_F(CameraOpening, RetriesWithTheUploadFlagWhenFirmwareIsMissing)
     makeCamera();
     sdk.takeCalls();
     sdk.results[QStringLiteral("initCamera(32773, null)")] = {184};
-    sdk.uploadMsec = 61999;
+    answers.uploadMsec = 61999;
     camera->open(5);
     EXPECT_EQ(sdk.takeCalls().mid(0, 5),
               lines("initCamera(32773, null)\n"
@@ -189,7 +189,7 @@ TEST_F(CameraOpening, GoesOnWithASettingsFileThatTheSdkRefuses)
 {
     makeCamera();
     sdk.takeCalls();
-    sdk.errorTexts[12] = "Bad settings";
+    answers.errorTexts[12] = "Bad settings";
     sdk.results[QStringLiteral("loadParameters(7, ./VornHotpixelEditor.ini)")] = {12};
     camera->open(5);
     EXPECT_EQ(sdk.takeCalls().mid(1, 4), lines("loadParameters(7, ./VornHotpixelEditor.ini)\n"
@@ -216,7 +216,7 @@ TEST_P(CameraOpeningFailure, LeavesTheCameraClosed)
     makeCamera();
     sdk.takeCalls();
     if (failure.errorText != nullptr) {
-        sdk.errorTexts[12] = failure.errorText;
+        answers.errorTexts[12] = failure.errorText;
     }
     const QString call = QString::fromLatin1(failure.call);
     sdk.results[call] = {12};
@@ -282,7 +282,7 @@ TEST_F(CameraOpening, GivesBackTheFirstBufferWhenTheSecondCannotBeAllocated)
 TEST_F(CameraOpening, RefusesAColourModeOtherThan0And6And11)
 {
     for (const int mode : {-1, 1, 5, 7, 10, 12, 32768}) {
-        sdk.currentColorMode = mode;
+        answers.currentColorMode = mode;
         makeCamera();
         sdk.takeCalls();
         EXPECT_EQ(openingError(), QStringLiteral("Color Mode not supported."));
@@ -297,8 +297,9 @@ TEST_F(CameraOpening, AllocatesBuffersOfTheModesDepth)
 {
     const std::vector<std::pair<int, int>> bitsOfMode = {{0, 32}, {6, 8}, {11, 8}};
     for (const auto& [mode, bits] : bitsOfMode) {
-        RecordingCameraSdk fresh;
-        fresh.currentColorMode = mode;
+        CannedCameraSdk freshAnswers;
+        RecordingCameraSdk fresh(freshAnswers);
+        freshAnswers.currentColorMode = mode;
         Camera opened(fresh);
         opened.open(5);
         EXPECT_TRUE(

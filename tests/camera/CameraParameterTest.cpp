@@ -56,7 +56,7 @@ TEST_F(CameraParameters, CapTheFrameRateAtTwo)
 
 TEST_F(CameraParameters, LeaveAFrameRateBelowTwoAsItIs)
 {
-    sdk.minFrameTime = 0.8;
+    answers.minFrameTime = 0.8;
     camera->updateFramerate();
     EXPECT_EQ(camera->framerate().max, 1.25);
     EXPECT_DOUBLE_EQ(camera->framerate().increment, (1.25 - 0.5) / ((2.0 - 0.8) / 0.25));
@@ -64,8 +64,8 @@ TEST_F(CameraParameters, LeaveAFrameRateBelowTwoAsItIs)
 
 TEST_F(CameraParameters, TakeTheRatesAndTimesThatTheCameraTook)
 {
-    sdk.framerateFactor = 0.5;
-    sdk.exposureFactor = 2.0;
+    answers.framerateFactor = 0.5;
+    answers.exposureFactor = 2.0;
     camera->updateFramerate();
     EXPECT_EQ(camera->framerate().value, 0.75);
     EXPECT_EQ(camera->exposure().value, 132.0);
@@ -81,7 +81,7 @@ TEST_F(CameraParameters, PresetTheFrameTimesForASdkThatGivesNone)
 
 TEST_F(CameraParameters, UpdatePixelclockReadsBackAndUpdatesTheFrameRate)
 {
-    sdk.currentPixelclock = 21;
+    answers.currentPixelclock = 21;
     camera->updatePixelclock();
     EXPECT_EQ(sdk.takeCalls(), lines("getPixelClockRange(7)\n"
                                      "setPixelClock(7, 22)\n"
@@ -92,7 +92,7 @@ TEST_F(CameraParameters, UpdatePixelclockReadsBackAndUpdatesTheFrameRate)
 
 TEST_F(CameraParameters, UpdatePixelclockThrowsTheSdksTextToItsCaller)
 {
-    sdk.errorTexts[12] = "No range";
+    answers.errorTexts[12] = "No range";
     sdk.results[QStringLiteral("getPixelClockRange(7)")] = {12};
     try {
         camera->updatePixelclock();
@@ -124,7 +124,7 @@ TEST_F(CameraParameters, UpdateExposureAppliesTheStoredExposureAgain)
 
 TEST_F(CameraParameters, UpdateMastergainReadsBack)
 {
-    sdk.currentGain = 77;
+    answers.currentGain = 77;
     camera->updateMastergain();
     EXPECT_EQ(sdk.takeCalls(),
               lines("setHardwareGain(7, 32768, -1, -1, -1)\n-> mastergainChanged 77\n"));
@@ -174,8 +174,8 @@ TEST_F(CameraParameters, StayWithinTheirRange)
 // The cap of two frames per second lies below what this camera can be slowed down to.
 TEST_F(CameraParameters, TakeTheMinimumOfARangeThatIsTheWrongWayRound)
 {
-    sdk.maxFrameTime = 0.25;
-    sdk.minFrameTime = 0.125;
+    answers.maxFrameTime = 0.25;
+    answers.minFrameTime = 0.125;
     camera->updateFramerate();
     ASSERT_EQ(camera->framerate().min, 4.0);
     ASSERT_EQ(camera->framerate().max, 2.0);
@@ -187,7 +187,7 @@ TEST_F(CameraParameters, TakeTheMinimumOfARangeThatIsTheWrongWayRound)
 
 TEST_F(CameraParameters, SetFramerateStoresWhatTheCameraTook)
 {
-    sdk.framerateFactor = 0.875;
+    answers.framerateFactor = 0.875;
     camera->setFramerate(1.0);
     EXPECT_EQ(sdk.takeCalls(),
               lines("setFrameRate(7, 1)\n-> framerateChanged 0.875\n") + lines(ExposureUpdated));
@@ -202,7 +202,7 @@ TEST_F(CameraParameters, SetFramerateToTheStoredValueOnlyUpdatesTheExposure)
 
 TEST_F(CameraParameters, SetExposureTellsBeforeItApplies)
 {
-    sdk.exposureFactor = 0.5;
+    answers.exposureFactor = 0.5;
     camera->setExposure(100.0);
     EXPECT_EQ(sdk.takeCalls(), lines("-> exposureChanged 100\nsetExposureTime(7, 100)\n"));
     EXPECT_EQ(camera->exposure().value, 50.0);
@@ -244,7 +244,7 @@ TEST_F(CameraParameters, IgnoreWhatAReceiverFeedsBack)
 TEST_F(CameraParameters, AreSetByReceiversOfWhatIsReadBack)
 {
     // As the control does when the rate lies above the cap: it shows the cap and says so.
-    sdk.framesPerSecond = 6.0;
+    answers.framesPerSecond = 6.0;
     QObject::connect(&*camera, &Camera::framerateChanged, &*camera,
                      [this] { camera->setFramerate(camera->framerate().max); });
     camera->open(5);
@@ -254,7 +254,8 @@ TEST_F(CameraParameters, AreSetByReceiversOfWhatIsReadBack)
 
 TEST_F(CameraParameters, AreGuardedAcrossAllCameras)
 {
-    RecordingCameraSdk otherSdk;
+    CannedCameraSdk otherAnswers;
+    RecordingCameraSdk otherSdk(otherAnswers);
     Camera other(otherSdk);
     other.open(5);
     otherSdk.takeCalls();
@@ -306,9 +307,9 @@ TEST_F(CameraParameters, SetPixelclockRelativeSubtractsTheMinimum)
 TEST_F(CameraParameters, SetFramerateRelativeSubtractsTheMinimumAndTruncates)
 {
     // Increment (2 - 0.5) / 4 = 0.375.
-    sdk.maxFrameTime = 2.0;
-    sdk.minFrameTime = 0.5;
-    sdk.frameTimeStep = 0.375;
+    answers.maxFrameTime = 2.0;
+    answers.minFrameTime = 0.5;
+    answers.frameTimeStep = 0.375;
     camera->updateFramerate();
     ASSERT_DOUBLE_EQ(camera->framerate().increment, 0.375);
     camera->setFramerateRelative(1); // (1 - 0.5) / 0.375 = 1.33
@@ -323,7 +324,7 @@ TEST_F(CameraParameters, SetExposureRelativeSubtractsTheMinimumAndTruncates)
 {
     camera->setExposureRelative(30); // (30 - 0.5) / 0.25 = 118
     EXPECT_EQ(camera->exposure().value, 118.0);
-    sdk.exposureStep = 0.75;
+    answers.exposureStep = 0.75;
     camera->updateExposure();
     camera->setExposureRelative(10); // 9.5 / 0.75 = 12.67
     EXPECT_EQ(camera->exposure().value, 12.0);
@@ -333,9 +334,9 @@ TEST_F(CameraParameters, SetExposureRelativeSubtractsTheMinimumAndTruncates)
 
 TEST_F(CameraParameters, SetRelativelyStayWithinARangeThatIsASingleValue)
 {
-    sdk.minExposure = 3.0;
-    sdk.maxExposure = 3.0;
-    sdk.exposureStep = 0.0;
+    answers.minExposure = 3.0;
+    answers.maxExposure = 3.0;
+    answers.exposureStep = 0.0;
     camera->updateExposure();
     for (const int position : {0, 3, 10}) {
         camera->setExposureRelative(position);
@@ -348,7 +349,7 @@ class CameraAutoConfig : public CameraFixture
 
 TEST_F(CameraAutoConfig, LeavesThePixelclockAloneWhenTheFrameRateGoesDownToOne)
 {
-    sdk.maxFrameTime = 1.0;
+    answers.maxFrameTime = 1.0;
     makeOpenCamera();
     camera->setAutoConfig();
     EXPECT_EQ(sdk.takeCalls(), lines("setFrameRate(7, 1)\n"
@@ -362,13 +363,14 @@ TEST_F(CameraAutoConfig, LeavesThePixelclockAloneWhenTheFrameRateGoesDownToOne)
 
 TEST_F(CameraAutoConfig, HalvesThePixelclockUntilTheFrameRateGoesDownToOne)
 {
-    sdk.maxFrameTime = 0.5;
+    answers.maxFrameTime = 0.5;
     makeOpenCamera();
     // The camera gets slower with its clock: at 11 MHz still 2 frames per second, at 5.5 one.
-    QObject::connect(
-        &*camera, &Camera::pixelclockChanged, &*camera,
-        [this](CameraParameter<int>& clock) { sdk.maxFrameTime = clock.value > 6 ? 0.5 : 1.0; });
-    sdk.minPixelclock = 4;
+    QObject::connect(&*camera, &Camera::pixelclockChanged, &*camera,
+                     [this](CameraParameter<int>& clock) {
+                         answers.maxFrameTime = clock.value > 6 ? 0.5 : 1.0;
+                     });
+    answers.minPixelclock = 4;
     camera->updatePixelclock();
     sdk.takeCalls();
     camera->setAutoConfig();
@@ -382,7 +384,7 @@ TEST_F(CameraAutoConfig, HalvesThePixelclockUntilTheFrameRateGoesDownToOne)
 
 TEST_F(CameraAutoConfig, StopsHalvingAtTheSlowestPixelclock)
 {
-    sdk.maxFrameTime = 0.5;
+    answers.maxFrameTime = 0.5;
     makeOpenCamera();
     camera->setAutoConfig();
     // 22, 11; the next would be 5, which is not above the minimum of 5.
@@ -396,7 +398,7 @@ TEST_F(CameraAutoConfig, StopsHalvingAtTheSlowestPixelclock)
 
 TEST_F(CameraAutoConfig, EndsWhenItIsCalledWhileThePixelclockIsSet)
 {
-    sdk.maxFrameTime = 0.5;
+    answers.maxFrameTime = 0.5;
     makeOpenCamera();
     bool called = false;
     QObject::connect(&*camera, &Camera::pixelclockChanged, &*camera, [&] {
@@ -443,8 +445,8 @@ TEST_F(CameraCorrection, IsSwitchedOffAtTheFastestRate)
 TEST_F(CameraCorrection, KeepsTheParametersAsTheyWere)
 {
     makeOpenCamera();
-    sdk.framerateFactor = 0.5;
-    sdk.exposureFactor = 0.5;
+    answers.framerateFactor = 0.5;
+    answers.exposureFactor = 0.5;
     camera->setBadPixelCorrection(true);
     EXPECT_EQ(camera->framerate().value, 1.5);
     EXPECT_EQ(camera->exposure().value, 66.0);

@@ -2,23 +2,9 @@
 #include "camera/CameraListModel.h"
 #include "camera/EventThread.h"
 #include "tests/camera/CameraFixture.h"
+#include "tests/harness/MethodsOf.h"
 
 namespace {
-
-QStringList methodsOf(const QMetaObject& metaObject)
-{
-    QStringList methods;
-    for (int i = metaObject.methodOffset(); i < metaObject.methodCount(); ++i) {
-        const QMetaMethod method = metaObject.method(i);
-        const QString kind =
-            method.methodType() == QMetaMethod::Signal
-                ? QStringLiteral("signal")
-                : (method.access() == QMetaMethod::Public ? QStringLiteral("public")
-                                                          : QStringLiteral("protected"));
-        methods.append(kind + QLatin1Char(' ') + QString::fromLatin1(method.methodSignature()));
-    }
-    return methods;
-}
 
 TEST(MetaObject, OfCameraListsItsSignalsAndSlotsInOrder)
 {
@@ -118,7 +104,7 @@ protected:
 
 TEST_F(OpenCamera, AsksTheSdkForTheFrameRateWhateverItReports)
 {
-    sdk.framesPerSecond = 0.75;
+    answers.framesPerSecond = 0.75;
     sdk.results[QStringLiteral("getFramesPerSecond(7)")] = {12};
     EXPECT_EQ(camera->getFramerate(), 0.75);
     EXPECT_EQ(camera->framerate().value, 1.5);
@@ -126,7 +112,7 @@ TEST_F(OpenCamera, AsksTheSdkForTheFrameRateWhateverItReports)
 
 TEST_F(OpenCamera, GivesTheSdksErrorText)
 {
-    sdk.errorTexts[12] = "Transfer error";
+    answers.errorTexts[12] = "Transfer error";
     EXPECT_STREQ(camera->errorText(12), "Transfer error");
     EXPECT_EQ(sdk.takeCalls(), lines("getError(7, 12)\n"));
     EXPECT_STREQ(camera->errorText(13), "Unknown error.");
@@ -138,7 +124,7 @@ TEST_F(OpenCamera, StartsLiveCaptureAgainOrSaysWhyNot)
 {
     camera->startLive();
     EXPECT_EQ(sdk.takeCalls(), lines("startLiveVideo(7, 0)\n"));
-    sdk.errorTexts[12] = "Busy";
+    answers.errorTexts[12] = "Busy";
     sdk.results[QStringLiteral("startLiveVideo(7, 0)")] = {12};
     try {
         camera->startLive();

@@ -61,7 +61,7 @@ class CameraThreads : public CameraFixture
 protected:
     void SetUp() override
     {
-        sdk.threads = true;
+        answers.threads = true;
         makeCamera();
     }
 
@@ -86,7 +86,7 @@ protected:
         std::thread pulse([&] {
             while (!done) {
                 for (const int id : {2, 8, 9, 128, 129, 130}) {
-                    signalEventObject(sdk.event(id));
+                    signalEventObject(answers.event(id));
                 }
                 waitForEventObject(never, 5);
             }
@@ -103,20 +103,20 @@ private:
 
 TEST_F(CameraThreads, BringEachEventToTheCamera)
 {
-    signalEventObject(sdk.event(130));
+    signalEventObject(answers.event(130));
     EXPECT_TRUE(noted("-> cameraNewDevice"));
-    signalEventObject(sdk.event(129));
+    signalEventObject(answers.event(129));
     EXPECT_TRUE(noted("-> cameraRemovedDevice"));
 
     camera->open(5);
-    signalEventObject(sdk.event(2));
+    signalEventObject(answers.event(2));
     EXPECT_TRUE(noted("-> newImage"));
     EXPECT_EQ(camera->frameCount(), 1);
-    signalEventObject(sdk.event(9));
+    signalEventObject(answers.event(9));
     EXPECT_TRUE(noted("-> cameraReconnect"));
-    signalEventObject(sdk.event(128));
+    signalEventObject(answers.event(128));
     EXPECT_TRUE(noted("-> cameraRemoved"));
-    signalEventObject(sdk.event(8));
+    signalEventObject(answers.event(8));
     EXPECT_TRUE(QTest::qWaitFor([this] { return camera->failedCount() == 1; }, LongMsec));
 }
 
@@ -141,12 +141,12 @@ TEST_F(CameraThreads, OfTheOpenCameraEndAtItsClosingButForEventEight)
 TEST_F(CameraThreads, OfEventEightGoOnAtTheirFirstEventObjectAfterReopening)
 {
     camera->open(5);
-    const EventHandle first = sdk.event(8);
+    const EventHandle first = answers.event(8);
     signalEventObject(first);
     ASSERT_TRUE(QTest::qWaitFor([this] { return camera->failedCount() == 1; }, LongMsec));
     callsWhilePulsing([this] { camera->close(); });
     camera->open(5);
-    EXPECT_NE(sdk.event(8), first) << "a new one is bound";
+    EXPECT_NE(answers.event(8), first) << "a new one is bound";
     QCoreApplication::processEvents(); // what the pulses left
     const int before = camera->failedCount();
     signalEventObject(first);
@@ -175,7 +175,7 @@ TEST_F(CameraThreads, OfFramesAndReconnectionMayHangInTheSdkAtTheClosing)
     const EventHandle never = createEventObject();
     const EventHandle goOn = createEventObject();
     const EventHandle goOnToo = createEventObject();
-    sdk.onDisableEvent = [goOn, goOnToo](int id) {
+    answers.onDisableEvent = [goOn, goOnToo](int id) {
         if (id == 2) {
             waitForEventObject(goOn, LongMsec);
         } else if (id == 9) {
@@ -203,7 +203,7 @@ TEST_F(CameraThreads, OfFramesAndReconnectionMayHangInTheSdkAtTheClosing)
 TEST_F(CameraThreads, OfReconnectionIsNotTerminatedHoweverLongItTakes)
 {
     camera->open(5);
-    s_held = sdk.event(9);
+    s_held = answers.event(9);
     ASSERT_TRUE(QTest::qWaitFor([] { return s_isHeld.load(); }, LongMsec));
     const QStringList calls = callsWhilePulsing([this] { camera->close(); });
     EXPECT_TRUE(calls.contains(QStringLiteral("exitEvent(7, 2)")));
@@ -218,7 +218,7 @@ TEST_F(CameraThreads, ThatAreGivenUpReleaseNothingOfTheNextOpening)
     camera->open(5);
     const EventHandle goOn = createEventObject();
     const auto first = std::make_shared<std::atomic<bool>>(true);
-    sdk.onDisableEvent = [goOn, first](int id) {
+    answers.onDisableEvent = [goOn, first](int id) {
         if (id == 2 && first->exchange(false)) {
             waitForEventObject(goOn, LongMsec);
         }
@@ -236,7 +236,7 @@ TEST_F(CameraThreads, ThatNeverComeBackAreLeftToThemselvesAtTheEnd)
     camera->open(5);
     const EventHandle goOn = createEventObject();
     const EventHandle cameBack = createEventObject();
-    sdk.onDisableEvent = [goOn, cameBack](int id) {
+    answers.onDisableEvent = [goOn, cameBack](int id) {
         if (id == 2) {
             waitForEventObject(goOn, LongMsec);
             signalEventObject(cameBack);
@@ -254,7 +254,7 @@ TEST_F(CameraThreads, EventsThatWereQueuedBeforeAnOpeningAreNotThoseOfTheNext)
 {
     camera->open(5);
     for (const int id : {2, 9, 128, 8, 130, 129}) {
-        signalEventObject(sdk.event(id));
+        signalEventObject(answers.event(id));
     }
     // Until each thread has queued its event; nobody has taken one up.
     std::this_thread::sleep_for(std::chrono::milliseconds(200));
@@ -272,7 +272,7 @@ TEST_F(CameraThreads, EventsThatWereQueuedBeforeAnOpeningAreNotThoseOfTheNext)
     EXPECT_TRUE(calls.contains(QStringLiteral("-> cameraRemovedDevice")));
     EXPECT_GT(camera->failedCount(), 0);
 
-    signalEventObject(sdk.event(2));
+    signalEventObject(answers.event(2));
     EXPECT_TRUE(noted("-> newImage"));
 }
 

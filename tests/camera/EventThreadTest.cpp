@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "camera/EventThread.h"
 
-#include "tests/camera/MockCameraSdk.h"
+#include "tests/sdk/MockCameraSdk.h"
 
 #include <QTest>
 #include <gtest/gtest.h>

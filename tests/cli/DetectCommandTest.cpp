@@ -7,7 +7,7 @@
 #include "hotpixel/BadpixelListModel.h"
 #include "simulator/SimulatedCameraSdk.h"
 #include "tests/cli/RecordedConsole.h"
-#include "tests/faults/FaultyCameraSdk.h"
+#include "tests/sdk/FaultyCameraSdk.h"
 
 #include <QImage>
 #include <QJsonArray>

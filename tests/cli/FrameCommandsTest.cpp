@@ -2,10 +2,11 @@
 // `survey` and `detect` on frames from files.
 
 #include "cli/Companion.h"
+#include "cli/EntryText.h"
 #include "cli/Interruption.h"
 #include "simulator/SimulatedCameraSdk.h"
-#include "tests/cli/EepromSdk.h"
 #include "tests/cli/RecordedConsole.h"
+#include "tests/sdk/EepromSdk.h"
 
 #include <QDir>
 #include <QFile>
@@ -204,14 +205,15 @@ TEST_F(FrameCommands, PrintWhatTheyFindForPeople)
     const Outcome found = run(QStringLiteral("detect --frames DIR/0.png DIR/1.png --bayer"));
     EXPECT_EQ(QString::fromUtf8(found.out).replace(m_folder.path(), QStringLiteral("DIR")),
               QStringLiteral("Frames: 2 files, DIR/0.png to DIR/1.png\n"
-                             "Sensor: 20 × 10 pixels of 8 bits, raw Bayer\n"
+                             "Sensor: SIZE pixels of 8 bits, raw Bayer\n"
                              "New hotpixels, more than 40 grey levels above the mean of their "
                              "plane: 5\n"
                              "  even columns, even rows       1\n"
                              "  even columns, odd rows        1\n"
                              "  odd columns, even rows        2\n"
                              "  odd columns, odd rows         1\n"
-                             "  (0, 0)   (0, 9)   (19, 0)  (5, 2)   (19, 9)\n"));
+                             "  (0, 0)   (0, 9)   (19, 0)  (5, 2)   (19, 9)\n")
+                  .replace(QStringLiteral("SIZE"), cli::sizeText({20, 10})));
 }
 
 TEST_F(FrameCommands, SaveListTableAndReport)

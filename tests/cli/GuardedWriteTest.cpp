@@ -3,7 +3,7 @@
 
 #include "camera/Camera.h"
 #include "hotpixel/BadpixelListFile.h"
-#include "tests/cli/EepromSdk.h"
+#include "tests/sdk/EepromSdk.h"
 
 #include <QDir>
 #include <QFile>
@@ -26,9 +26,9 @@ QStringList filesIn(const QString& folder)
 }
 
 /// A camera that holds @p old, and a folder for its backups.
-struct Bench
+struct WriteFixture
 {
-    explicit Bench(Entries old = OldList) { sdk.user = std::move(old); }
+    explicit WriteFixture(Entries old = OldList) { sdk.user = std::move(old); }
 
     GuardedWrite guardedWrite()
     {
@@ -60,61 +60,62 @@ struct Bench
 
 TEST(GuardedWrite, ReplacesTheListAndKeepsTheOldOneInAFile)
 {
-    Bench bench;
-    EXPECT_EQ(bench.replaceBy(NewList), QString());
-    EXPECT_EQ(bench.sdk.user, NewList);
-    EXPECT_EQ(hotpixel::readListFile(bench.backup), OldList);
-    EXPECT_EQ(filesIn(bench.folder()).size(), 1);
-    EXPECT_TRUE(QFileInfo(bench.backup).fileName().startsWith(QStringLiteral("4102_7-user-list-")));
+    WriteFixture fixture;
+    EXPECT_EQ(fixture.replaceBy(NewList), QString());
+    EXPECT_EQ(fixture.sdk.user, NewList);
+    EXPECT_EQ(hotpixel::readListFile(fixture.backup), OldList);
+    EXPECT_EQ(filesIn(fixture.folder()).size(), 1);
+    EXPECT_TRUE(
+        QFileInfo(fixture.backup).fileName().startsWith(QStringLiteral("4102_7-user-list-")));
 }
 
 TEST(GuardedWrite, SavesTheOldListBeforeTheCameraIsTouched)
 {
-    Bench bench;
+    WriteFixture fixture;
     std::optional<Entries> savedBefore;
-    bench.sdk.beforeChange = [&] {
-        const QDir folder(bench.folder());
-        const QStringList files = filesIn(bench.folder());
+    fixture.sdk.beforeChange = [&] {
+        const QDir folder(fixture.folder());
+        const QStringList files = filesIn(fixture.folder());
         ASSERT_EQ(files.size(), 1);
         savedBefore = hotpixel::readListFile(folder.filePath(files.front()));
     };
-    EXPECT_EQ(bench.replaceBy(NewList), QString());
+    EXPECT_EQ(fixture.replaceBy(NewList), QString());
     EXPECT_EQ(savedBefore, OldList);
 }
 
 TEST(GuardedWrite, DeletesTheListForNoEntries)
 {
-    Bench bench;
-    EXPECT_EQ(bench.replaceBy({}), QString());
-    EXPECT_TRUE(bench.sdk.user.empty());
-    EXPECT_EQ(bench.sdk.deletions, 1) << "a list of no entries is not a list that a camera takes";
-    EXPECT_EQ(hotpixel::readListFile(bench.backup), OldList);
+    WriteFixture fixture;
+    EXPECT_EQ(fixture.replaceBy({}), QString());
+    EXPECT_TRUE(fixture.sdk.user.empty());
+    EXPECT_EQ(fixture.sdk.deletions, 1) << "a list of no entries is not a list that a camera takes";
+    EXPECT_EQ(hotpixel::readListFile(fixture.backup), OldList);
 }
 
 TEST(GuardedWrite, KeepsAnEmptyFileOfACameraWithoutEntries)
 {
-    Bench bench(Entries{});
-    EXPECT_EQ(bench.replaceBy(NewList), QString());
-    EXPECT_EQ(bench.sdk.user, NewList);
-    EXPECT_EQ(QFileInfo(bench.backup).size(), 0);
+    WriteFixture fixture(Entries{});
+    EXPECT_EQ(fixture.replaceBy(NewList), QString());
+    EXPECT_EQ(fixture.sdk.user, NewList);
+    EXPECT_EQ(QFileInfo(fixture.backup).size(), 0);
 }
 
 TEST(GuardedWrite, RefusesAListThatIsLongerThanTheCapacity)
 {
-    Bench bench;
-    bench.sdk.capacity = 1;
-    EXPECT_EQ(bench.replaceBy(NewList),
+    WriteFixture fixture;
+    fixture.sdk.capacity = 1;
+    EXPECT_EQ(fixture.replaceBy(NewList),
               QStringLiteral("The list has 2 user entries, but the camera can store 1 at most."));
-    EXPECT_EQ(bench.sdk.writes, 0);
-    EXPECT_TRUE(filesIn(bench.folder()).isEmpty());
+    EXPECT_EQ(fixture.sdk.writes, 0);
+    EXPECT_TRUE(filesIn(fixture.folder()).isEmpty());
 }
 
 TEST(GuardedWrite, FillsTheCameraToItsCapacity)
 {
-    Bench bench;
-    bench.sdk.capacity = 2;
-    EXPECT_EQ(bench.replaceBy(NewList), QString());
-    EXPECT_EQ(bench.sdk.user, NewList);
+    WriteFixture fixture;
+    fixture.sdk.capacity = 2;
+    EXPECT_EQ(fixture.replaceBy(NewList), QString());
+    EXPECT_EQ(fixture.sdk.user, NewList);
 }
 
 TEST(GuardedWrite, SavesMoreOldEntriesThanTheEditorCanShow)
@@ -123,129 +124,130 @@ TEST(GuardedWrite, SavesMoreOldEntriesThanTheEditorCanShow)
     for (std::uint16_t i = 0; i < 1500; ++i) {
         old.push_back({i, static_cast<std::uint16_t>(2 * i), UserPixel});
     }
-    Bench bench(old);
-    EXPECT_EQ(bench.replaceBy(NewList), QString());
-    EXPECT_EQ(hotpixel::readListFile(bench.backup), old);
+    WriteFixture fixture(old);
+    EXPECT_EQ(fixture.replaceBy(NewList), QString());
+    EXPECT_EQ(hotpixel::readListFile(fixture.backup), old);
 }
 
 TEST(GuardedWrite, WritesNothingWhenTheOldListCantBeRead)
 {
     for (const int call : {2, 3}) {
-        Bench bench;
-        bench.sdk.fault = Fault::Refuse;
-        bench.sdk.faultyCall = call;
-        EXPECT_EQ(bench.replaceBy(NewList),
+        WriteFixture fixture;
+        fixture.sdk.fault = Fault::Refuse;
+        fixture.sdk.faultyCall = call;
+        EXPECT_EQ(fixture.replaceBy(NewList),
                   QStringLiteral("Can't read the camera's user list: The EEPROM is tired."));
-        EXPECT_EQ(bench.sdk.writes, 0);
+        EXPECT_EQ(fixture.sdk.writes, 0);
     }
 }
 
 TEST(GuardedWrite, TakesNoTextFromAnSdkThatDoesNotKnowTheError)
 {
-    Bench bench;
-    bench.sdk.explains = false;
-    bench.sdk.fault = Fault::Refuse;
-    bench.sdk.faultyCall = 2;
-    EXPECT_EQ(bench.replaceBy(NewList),
+    WriteFixture fixture;
+    fixture.sdk.explains = false;
+    fixture.sdk.fault = Fault::Refuse;
+    fixture.sdk.faultyCall = 2;
+    EXPECT_EQ(fixture.replaceBy(NewList),
               QStringLiteral("Can't read the camera's user list: Unknown error."));
 }
 
 TEST(GuardedWrite, WritesNothingWhenTheCapacityCantBeRead)
 {
-    Bench bench;
-    bench.sdk.fault = Fault::Refuse;
-    bench.sdk.faultyCall = 1;
-    EXPECT_EQ(bench.replaceBy(NewList), QStringLiteral("Can't read the capacity of the camera's "
-                                                       "user list: The EEPROM is tired."));
-    EXPECT_EQ(bench.sdk.writes, 0);
+    WriteFixture fixture;
+    fixture.sdk.fault = Fault::Refuse;
+    fixture.sdk.faultyCall = 1;
+    EXPECT_EQ(fixture.replaceBy(NewList), QStringLiteral("Can't read the capacity of the camera's "
+                                                         "user list: The EEPROM is tired."));
+    EXPECT_EQ(fixture.sdk.writes, 0);
 }
 
 TEST(GuardedWrite, WritesNothingWhenTheCapacityIsNonsense)
 {
-    Bench bench;
-    bench.sdk.capacity = -5;
-    EXPECT_EQ(bench.replaceBy({}), QStringLiteral("Can't read the capacity of the camera's user "
-                                                  "list: the camera answers -5."));
-    EXPECT_EQ(bench.sdk.writes, 0);
+    WriteFixture fixture;
+    fixture.sdk.capacity = -5;
+    EXPECT_EQ(fixture.replaceBy({}), QStringLiteral("Can't read the capacity of the camera's user "
+                                                    "list: the camera answers -5."));
+    EXPECT_EQ(fixture.sdk.writes, 0);
 }
 
 TEST(GuardedWrite, WritesNothingWhenTheOldListCantBeSaved)
 {
-    Bench bench;
-    QFile inTheWay(bench.folder());
+    WriteFixture fixture;
+    QFile inTheWay(fixture.folder());
     ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
-    EXPECT_TRUE(bench.replaceBy(NewList).startsWith(QStringLiteral("Can't save the old list in ")));
-    EXPECT_EQ(bench.sdk.writes, 0);
-    EXPECT_EQ(bench.sdk.user, OldList);
+    EXPECT_TRUE(
+        fixture.replaceBy(NewList).startsWith(QStringLiteral("Can't save the old list in ")));
+    EXPECT_EQ(fixture.sdk.writes, 0);
+    EXPECT_EQ(fixture.sdk.user, OldList);
 }
 
 TEST(GuardedWrite, PutsTheOldListBackWhenTheCameraStoredAnother)
 {
-    Bench bench;
-    bench.sdk.fault = Fault::StoreOther;
-    bench.sdk.faultyCall = 4;
-    const QString text = bench.replaceBy(NewList);
+    WriteFixture fixture;
+    fixture.sdk.fault = Fault::StoreOther;
+    fixture.sdk.faultyCall = 4;
+    const QString text = fixture.replaceBy(NewList);
     EXPECT_TRUE(text.startsWith(
         QStringLiteral("The camera did not store the list as it was written. The camera holds the "
                        "old list, which is also in ")))
         << qPrintable(text);
-    EXPECT_EQ(bench.sdk.user, OldList);
+    EXPECT_EQ(fixture.sdk.user, OldList);
 }
 
 TEST(GuardedWrite, ComparesTheEntriesAndNotOnlyTheirNumber)
 {
-    Bench bench;
-    bench.sdk.fault = Fault::StoreChanged;
-    bench.sdk.faultyCall = 4;
-    const QString text = bench.replaceBy(NewList);
+    WriteFixture fixture;
+    fixture.sdk.fault = Fault::StoreChanged;
+    fixture.sdk.faultyCall = 4;
+    const QString text = fixture.replaceBy(NewList);
     EXPECT_TRUE(
         text.startsWith(QStringLiteral("The camera did not store the list as it was written.")))
         << qPrintable(text);
-    EXPECT_EQ(bench.sdk.user, OldList);
+    EXPECT_EQ(fixture.sdk.user, OldList);
 }
 
 TEST(GuardedWrite, TriesThreeTimesToPutTheOldListBack)
 {
-    Bench bench;
-    bench.sdk.unlikeWrites = 3; // the new list and two attempts
-    const QString text = bench.replaceBy(NewList);
+    WriteFixture fixture;
+    fixture.sdk.unlikeWrites = 3; // the new list and two attempts
+    const QString text = fixture.replaceBy(NewList);
     EXPECT_TRUE(text.contains(QStringLiteral("The camera holds the old list"))) << qPrintable(text);
-    EXPECT_EQ(bench.sdk.user, OldList);
-    EXPECT_EQ(bench.sdk.writes, 4);
+    EXPECT_EQ(fixture.sdk.user, OldList);
+    EXPECT_EQ(fixture.sdk.writes, 4);
 }
 
 TEST(GuardedWrite, GivesUpPuttingTheOldListBackAfterTheThirdTime)
 {
-    Bench bench;
-    bench.sdk.unlikeWrites = 100;
-    const QString text = bench.replaceBy(NewList);
+    WriteFixture fixture;
+    fixture.sdk.unlikeWrites = 100;
+    const QString text = fixture.replaceBy(NewList);
     EXPECT_TRUE(text.contains(QStringLiteral(
         "The old list could not be put back (the camera did not store it); it is in ")))
         << qPrintable(text);
-    EXPECT_EQ(bench.sdk.writes, 4);
+    EXPECT_EQ(fixture.sdk.writes, 4);
 }
 
 TEST(GuardedWrite, DoesNotWriteASecondTimeWhenTheFirstOneWasRefusedAsAWhole)
 {
-    Bench bench;
-    bench.sdk.fault = Fault::Refuse;
-    bench.sdk.faultyCall = 4;
-    EXPECT_TRUE(bench.replaceBy(NewList).startsWith(
+    WriteFixture fixture;
+    fixture.sdk.fault = Fault::Refuse;
+    fixture.sdk.faultyCall = 4;
+    EXPECT_TRUE(fixture.replaceBy(NewList).startsWith(
         QStringLiteral("Error writing hotpixel list: The EEPROM is tired. The camera holds the old "
                        "list")));
-    EXPECT_EQ(bench.sdk.writes, 1);
+    EXPECT_EQ(fixture.sdk.writes, 1);
 }
 
 TEST(GuardedWrite, SaysWhereTheOldListIsWhenTheCameraHasGone)
 {
-    Bench bench;
-    bench.sdk.fault = Fault::RefuseFromThenOn;
-    bench.sdk.faultyCall = 5;
-    const QString text = bench.replaceBy(NewList);
+    WriteFixture fixture;
+    fixture.sdk.fault = Fault::RefuseFromThenOn;
+    fixture.sdk.faultyCall = 5;
+    const QString text = fixture.replaceBy(NewList);
     EXPECT_TRUE(text.contains(QStringLiteral("The old list could not be put back (Error writing "
                                              "hotpixel list: The EEPROM is tired.); it is in ")))
         << qPrintable(text);
-    EXPECT_TRUE(text.contains(filesIn(bench.folder()).value(0)));
+    EXPECT_TRUE(text.contains(filesIn(fixture.folder()).value(0)));
 }
 
 // One fault at each call in each way, for lists of every kind: whatever happens, the camera ends
@@ -261,26 +263,26 @@ TEST(GuardedWrite, LeavesTheOldOrTheNewListWhateverGoesWrong)
                   Fault::StoreOther, Fault::StoreChanged, Fault::StoreAndFail}) {
                 bool reached = true;
                 for (int call = 1; reached; ++call) {
-                    Bench bench(old);
-                    bench.sdk.fault = fault;
-                    bench.sdk.faultyCall = call;
-                    const QString failure = bench.replaceBy(wanted);
-                    reached = bench.sdk.calls >= call;
+                    WriteFixture fixture(old);
+                    fixture.sdk.fault = fault;
+                    fixture.sdk.faultyCall = call;
+                    const QString failure = fixture.replaceBy(wanted);
+                    reached = fixture.sdk.calls >= call;
                     injected += reached ? 1 : 0;
 
                     SCOPED_TRACE(testing::Message()
                                  << "fault " << static_cast<int>(fault) << " at call " << call
                                  << ", " << old.size() << " old and " << wanted.size()
                                  << " new entries: " << qPrintable(failure));
-                    EXPECT_TRUE(bench.sdk.user == old || bench.sdk.user == wanted);
+                    EXPECT_TRUE(fixture.sdk.user == old || fixture.sdk.user == wanted);
                     if (failure.isEmpty()) {
-                        EXPECT_EQ(bench.sdk.user, wanted);
+                        EXPECT_EQ(fixture.sdk.user, wanted);
                     }
-                    const QStringList files = filesIn(bench.folder());
-                    if (bench.sdk.writes > 0) {
+                    const QStringList files = filesIn(fixture.folder());
+                    if (fixture.sdk.writes > 0) {
                         ASSERT_EQ(files.size(), 1);
                         EXPECT_EQ(
-                            hotpixel::readListFile(QDir(bench.folder()).filePath(files.front())),
+                            hotpixel::readListFile(QDir(fixture.folder()).filePath(files.front())),
                             old);
                     }
                 }

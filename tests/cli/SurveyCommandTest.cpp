@@ -5,7 +5,7 @@
 #include "cli/Interruption.h"
 #include "simulator/SimulatedCameraSdk.h"
 #include "tests/cli/RecordedConsole.h"
-#include "tests/faults/FaultyCameraSdk.h"
+#include "tests/sdk/ForwardingCameraSdk.h"
 
 #include <QDir>
 #include <QFile>
@@ -43,8 +43,8 @@ protected:
     {
         RecordedConsole recorded;
         Interruption interruption;
-        Companion companion([this] { return std::make_unique<FaultyCameraSdk>(m_simulated); }, {},
-                            recorded.console(), interruption);
+        Companion companion([this] { return std::make_unique<ForwardingCameraSdk>(m_simulated); },
+                            {}, recorded.console(), interruption);
         m_status = companion.run(QStringList(QStringLiteral("vorn-hotpixel")) + arguments +
                                  QStringList(QStringLiteral("--json")));
         m_err = recorded.err();
@@ -102,7 +102,7 @@ TEST_F(SurveyOfACamera, SaysWhyThereIsNone)
     SimulatedCameraSdk bright({{large}, 20, m_home.path(), {}});
     RecordedConsole recorded;
     Interruption interruption;
-    Companion companion([&bright] { return std::make_unique<FaultyCameraSdk>(bright); }, {},
+    Companion companion([&bright] { return std::make_unique<ForwardingCameraSdk>(bright); }, {},
                         recorded.console(), interruption);
     EXPECT_EQ(companion.run(
                   {QStringLiteral("vorn-hotpixel"), QStringLiteral("survey"), QStringLiteral("1")}),
@@ -156,7 +156,7 @@ TEST_F(SurveyOfACamera, PlaysBackTheFramesThatWereSaved)
     SimulatedCameraSdk camera({{played}, 1, m_home.path(), {}});
     RecordedConsole recorded;
     Interruption interruption;
-    Companion companion([&camera] { return std::make_unique<FaultyCameraSdk>(camera); }, {},
+    Companion companion([&camera] { return std::make_unique<ForwardingCameraSdk>(camera); }, {},
                         recorded.console(), interruption);
     EXPECT_EQ(companion.run({QStringLiteral("vorn-hotpixel"), QStringLiteral("detect"),
                              QStringLiteral("1"), QStringLiteral("--clear"),

@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 
 #ifdef Q_OS_UNIX
-#include "tests/support/AsNobody.h"
+#include "tests/harness/AsNobody.h"
 
 #include <sys/stat.h>
 #endif

@@ -3,7 +3,7 @@
 #include "cli/Interruption.h"
 #include "simulator/SimulatedCameraSdk.h"
 #include "tests/cli/RecordedConsole.h"
-#include "tests/faults/FaultyCameraSdk.h"
+#include "tests/sdk/ForwardingCameraSdk.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -15,11 +15,11 @@
 namespace {
 
 /// Says when the camera's user list is read, and counts what changes it.
-class WatchedSdk final : public FaultyCameraSdk
+class WatchedSdk final : public ForwardingCameraSdk
 {
 public:
     WatchedSdk(CameraSdk& sdk, int& changes, std::function<void()> onRead)
-        : FaultyCameraSdk(sdk)
+        : ForwardingCameraSdk(sdk)
         , m_changes(changes)
         , m_onRead(std::move(onRead))
     {}
@@ -28,7 +28,8 @@ public:
                                  std::int32_t size) override
     {
         m_changes += command == camera::SetUserList || command == camera::DeleteUserList ? 1 : 0;
-        const std::int32_t result = FaultyCameraSdk::hotpixelCommand(handle, command, buffer, size);
+        const std::int32_t result =
+            ForwardingCameraSdk::hotpixelCommand(handle, command, buffer, size);
         if (command == camera::GetUserList) {
             m_onRead();
         }

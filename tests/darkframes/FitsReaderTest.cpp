@@ -6,6 +6,7 @@
 #include <QFile>
 
 #include <fitsio.h>
+#include <stdexcept>
 #include <zlib.h>
 
 namespace {
@@ -29,7 +30,9 @@ QString writeCompressed(const QString& fileName, const QImage& image, int compre
     int status = 0;
     std::array<long, 2> axes{image.width(), image.height()};
     auto values = valuesOf(image);
-    fits_create_file(&file, QFile::encodeName(fileName).constData(), &status);
+    if (fits_create_file(&file, QFile::encodeName(fileName).constData(), &status) != 0) {
+        throw std::runtime_error("the test's file can't be made");
+    }
     fits_set_compression_type(file, compression, &status);
     fits_create_img(file, USHORT_IMG, 2, axes.data(), &status);
     fits_write_img(file, TUSHORT, 1, static_cast<LONGLONG>(values.size()), values.data(), &status);
@@ -136,6 +139,59 @@ TEST_F(FitsReader, ReadsCompressedImagesBehindAnEmptyPart)
         const QString file =
             writeCompressed(path(QString::number(compression) + ".fits"), image, compression);
         EXPECT_EQ(valuesOf(darkframes::readFits(file).image), valuesOf(image)) << compression;
+    }
+}
+
+TEST_F(FitsReader, RefusesHeadersThatCfitsioWouldBelieve)
+{
+    const QByteArray good =
+        contentOf(writeCompressed(path("good.fits"), wideFrame(16, 16), RICE_1));
+    const auto errorWith = [&](const QByteArray& before, const QByteArray& after) {
+        QByteArray content = good;
+        const auto position = content.indexOf(before);
+        EXPECT_GT(position, 0) << before.toStdString();
+        content.replace(position, 80, after.leftJustified(80, ' '));
+        return errorOf(darkframes::readFits, write("bad.fits", content));
+    };
+    // A division by zero in CFITSIO, and an overflow of memory that is no number's.
+    EXPECT_EQ(errorWith("ZTILE1  =", "ZTILE1  =                    0"),
+              "FILE: damaged (ZTILE1 is out of range)");
+    EXPECT_EQ(errorWith("ZTILE1  =", "ZTILE1  =                   17"),
+              "FILE: damaged (ZTILE1 is out of range)");
+    EXPECT_EQ(errorWith("ZVAL1   =", "ZVAL1   = 12345678901234567890x1234567890123456789012345"),
+              "FILE: damaged (ZVAL1 is no number)");
+    EXPECT_EQ(errorWith("ZVAL1   =", "ZVAL1   =                    0"),
+              "FILE: damaged (ZVAL1 is out of range)");
+    EXPECT_EQ(errorWith("ZNAXIS1 =", "ZNAXIS1 =                 16.5"),
+              "FILE: damaged (ZNAXIS1 is no number)");
+    EXPECT_EQ(errorWith("TFIELDS =", "TFIELDS =           2000000000"),
+              "FILE: damaged (TFIELDS is out of range)");
+    EXPECT_EQ(errorWith("PCOUNT  =", "PCOUNT  = 9000000000000000000"),
+              "FILE: damaged (PCOUNT is out of range)");
+    EXPECT_EQ(errorWith("PCOUNT  =", "PCOUNT  =           2000000000"), "FILE: truncated");
+    EXPECT_EQ(errorWith("ZTILE2  =", "ZTILE1  =                    1"),
+              "FILE: damaged (ZTILE1 stands twice)");
+    EXPECT_EQ(errorWith("NAXIS2  =", "COMMENT"), "FILE: damaged (NAXIS2 is not in its place)");
+    EXPECT_EQ(errorWith("ZTILE2  =", "COMMENT \xff"), "FILE: damaged (a header that is no text)");
+    EXPECT_EQ(errorOf(darkframes::readFits, write("start.fits", good.left(2 * 2880 - 1))),
+              "FILE: truncated");
+}
+
+TEST_F(FitsReader, RefusesTilesThatAreDamaged)
+{
+    for (const int compression : {RICE_1, GZIP_1, GZIP_2}) {
+        QByteArray content = contentOf(writeCompressed(path(QString::number(compression) + ".fits"),
+                                                       wideFrame(16, 16), compression));
+        // The first tile has the length 1 and the start 0, behind the second header.
+        const qsizetype table = 2 * 2880;
+        QByteArray tiny = content;
+        tiny.replace(table, 8, QByteArray("\0\0\0\1\0\0\0\0", 8));
+        EXPECT_EQ(errorOf(darkframes::readFits, write("tiny.fits", tiny)), "FILE: damaged (a tile)")
+            << compression;
+        content.replace(table, 8, QByteArray("\x7f\xff\xff\xff\0\0\0\0", 8));
+        EXPECT_EQ(errorOf(darkframes::readFits, write("long.fits", content)),
+                  "FILE: damaged (a tile)")
+            << compression;
     }
 }
 

@@ -32,13 +32,13 @@ TEST(FoundPixels, AreMeasured)
     const auto pixels = found({}, {});
     ASSERT_EQ(pixels.size(), 4U);
     EXPECT_EQ(pixels[0].position, (PixelPosition{2, 0}));
-    EXPECT_EQ(pixels[0].plane, "R");
+    EXPECT_EQ(pixels[0].plane.name, "R");
     EXPECT_EQ(pixels[0].mean, 100.5);
     EXPECT_DOUBLE_EQ(pixels[0].temporalNoise, std::sqrt(0.5));
     EXPECT_EQ(pixels[0].greatest, 101);
     EXPECT_EQ(pixels[0].foundClass, FoundClass::New);
     EXPECT_TRUE(pixels[0].isClustered);
-    EXPECT_EQ(pixels[2].plane, "B");
+    EXPECT_EQ(pixels[2].plane.name, "B");
     EXPECT_FALSE(pixels[2].isClustered);
     EXPECT_EQ(pixels[3].position, (PixelPosition{5, 1}));
     EXPECT_EQ(pixels[3].foundClass, FoundClass::Flickering);
@@ -54,6 +54,26 @@ TEST(FoundPixels, KnowWhatTheListsHold)
     EXPECT_EQ(pixels[1].foundClass, FoundClass::New);
     EXPECT_EQ(pixels[2].foundClass, FoundClass::Factory);
     EXPECT_EQ(pixels[3].foundClass, FoundClass::User);
+}
+
+TEST(PixelsNotFound, AreThoseOfAListThatAreNotHot)
+{
+    const DarkStack stack =
+        TestFrames::of(16, 12, 8, 2, [](int frame, int x, int y) {
+            return x == 5 && y == 1 ? 10 + frame * 60 : (x == 7 && y == 3 ? 200 : 10);
+        }).stack();
+    const Survey survey = Survey::of(stack, *Mosaic::fromColours("RGGB"));
+    const Findings findings = Findings::of(stack, survey, {40, std::nullopt});
+    // Hot, flickering, not hot and there twice, beside the sensor and below it.
+    const std::vector<PixelPosition> listed{{7, 3}, {5, 1},  {4, 4}, {0, 1},
+                                            {4, 4}, {16, 3}, {3, 12}};
+    const auto pixels = darkframes::pixelsNotFound(stack, survey, findings, listed);
+    ASSERT_EQ(pixels.size(), 2U);
+    EXPECT_EQ(pixels[0].position, (PixelPosition{4, 4}));
+    EXPECT_EQ(pixels[0].mean, 10);
+    EXPECT_EQ(pixels[0].foundClass, FoundClass::NotHot);
+    EXPECT_EQ(darkframes::className(pixels[0].foundClass), QStringLiteral("not hot"));
+    EXPECT_EQ(pixels[1].position, (PixelPosition{0, 1}));
 }
 
 TEST(FoundPixels, AreATableForOtherPrograms)

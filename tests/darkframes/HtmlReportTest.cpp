@@ -19,6 +19,7 @@ struct Report
     Mosaic mosaic = Mosaic::bayer();
     HotRule rule{40, std::nullopt};
     std::vector<PixelPosition> user;
+    std::vector<PixelPosition> drawnIn; ///< of a list, whether they are hot or not
     std::optional<ListRoom> room;
     ReportContext context{"A sensor", {{"files", "a.png"}}, "survey --frames a.png", "Vorn 1.0"};
 
@@ -27,7 +28,9 @@ struct Report
         const DarkStack stack = frames.stack();
         const Survey survey = Survey::of(stack, mosaic);
         const Findings findings = Findings::of(stack, survey, rule);
-        const auto pixels = darkframes::foundPixels(stack, survey, findings, {}, user);
+        auto pixels = darkframes::foundPixels(stack, survey, findings, {}, user);
+        const auto others = darkframes::pixelsNotFound(stack, survey, findings, drawnIn);
+        pixels.insert(pixels.end(), others.begin(), others.end());
         return darkframes::htmlReport(survey, findings, pixels, room, context);
     }
 };
@@ -130,6 +133,21 @@ TEST(HtmlReport, TellsKindsOfPixelsApartByShape)
     for (const char* legend : {"in a cluster: 2", "known: 1", "flickering: 1", "new: 1"}) {
         EXPECT_TRUE(html.contains(legend)) << legend;
     }
+}
+
+TEST(HtmlReport, DrawsInWhatAListHasThatIsNotHot)
+{
+    Report report{TestFrames::of(20, 20, 8, 2,
+                                 [](int, int x, int y) { return x == 4 && y == 4 ? 200 : 10; })};
+    EXPECT_FALSE(report.html().contains("in a list, but not hot"));
+    report.user = {{4, 4}};
+    report.drawnIn = {{4, 4}, {9, 9}, {15, 3}};
+    const QString html = report.html();
+    EXPECT_TRUE(html.contains("in a list, but not hot: 2"));
+    EXPECT_TRUE(html.contains("known: 1"));
+    EXPECT_TRUE(html.contains("new: 0"));
+    EXPECT_EQ(mistakeIn(html), QString());
+    EXPECT_FALSE(html.contains("<td>not hot</td>")) << "it is none of the hottest";
 }
 
 TEST(HtmlReport, ListsTheHottestFiftyFromTheTop)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "detection/HotpixelDetector.h"
 #include "hotpixel/BadpixelListModel.h"
-#include "tests/support/SharedData.h"
+#include "tests/harness/SharedData.h"
 
 #include <QCryptographicHash>
 #include <QFile>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include "tests/faults/FaultyCameraSdk.h"
+#include "tests/sdk/FaultyCameraSdk.h"
 
 #include <QStringList>
 

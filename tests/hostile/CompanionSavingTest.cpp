@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/cli/process/CompanionBench.h"
+#include "tests/cli/process/CompanionFixture.h"
 
 #include <QDir>
 #include <QFile>
@@ -46,14 +46,14 @@ private:
 
 TEST(CompanionSaving, OnAFullDiskKeepsTheOldFileAndSaysSo)
 {
-    const CompanionBench bench(smallCamera());
-    ASSERT_EQ(bench.run(QStringLiteral("read 1")).status, 0);
-    ASSERT_TRUE(QDir().mkpath(bench.file(QStringLiteral("folder"))));
-    const QString saved = bench.write(QStringLiteral("folder/list.txt"), "9 9 1\n");
+    const CompanionFixture fixture(smallCamera());
+    ASSERT_EQ(fixture.run(QStringLiteral("read 1")).status, 0);
+    ASSERT_TRUE(QDir().mkpath(fixture.file(QStringLiteral("folder"))));
+    const QString saved = fixture.write(QStringLiteral("folder/list.txt"), "9 9 1\n");
     Finished refused;
     {
         const FullDisk disk(4);
-        refused = bench.run(QStringLiteral("read 1 --out %1"), saved);
+        refused = fixture.run(QStringLiteral("read 1 --out %1"), saved);
     }
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.err, QByteArray("vorn-hotpixel-demo: Can't save to ") + saved.toUtf8() +
@@ -65,15 +65,15 @@ TEST(CompanionSaving, OnAFullDiskKeepsTheOldFileAndSaysSo)
 
 TEST(CompanionSaving, ToADriveThatIsRemovedMeanwhileSaysSo)
 {
-    const CompanionBench bench(smallCamera().replace("speed=40", "speed=1"));
-    ASSERT_TRUE(QDir().mkpath(bench.file(QStringLiteral("drive"))));
-    const QString list = bench.file(QStringLiteral("drive/list.txt"));
+    const CompanionFixture fixture(smallCamera().replace("speed=40", "speed=1"));
+    ASSERT_TRUE(QDir().mkpath(fixture.file(QStringLiteral("drive"))));
+    const QString list = fixture.file(QStringLiteral("drive/list.txt"));
     const std::unique_ptr<QProcess> process =
-        bench.start({QStringLiteral("detect"), QStringLiteral("1"), QStringLiteral("--cover"),
-                     QStringLiteral("--clear"), QStringLiteral("--out"), list});
-    ASSERT_TRUE(CompanionBench::waitForError(*process, "Taking 10 dark frames"));
-    ASSERT_TRUE(QDir(bench.file(QStringLiteral("drive"))).removeRecursively());
-    const Finished finished = CompanionBench::finish(*process);
+        fixture.start({QStringLiteral("detect"), QStringLiteral("1"), QStringLiteral("--cover"),
+                       QStringLiteral("--clear"), QStringLiteral("--out"), list});
+    ASSERT_TRUE(CompanionFixture::waitForError(*process, "Taking 10 dark frames"));
+    ASSERT_TRUE(QDir(fixture.file(QStringLiteral("drive"))).removeRecursively());
+    const Finished finished = CompanionFixture::finish(*process);
     EXPECT_EQ(finished.status, 1);
     EXPECT_TRUE(finished.err.endsWith(QByteArray("Can't save to ") + list.toUtf8() +
                                       ": Can't open file for writing.\n"))

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListFile.h"
+#include "tests/harness/AsNobody.h"
 #include "tests/hostile/ChildProcess.h"
-#include "tests/support/AsNobody.h"
 
 #include <QByteArray>
 #include <QFile>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListFile.h"
-#include "tests/support/AsNobody.h"
+#include "tests/harness/AsNobody.h"
 
 #include <QDir>
 #include <QFile>

@@ -16,7 +16,7 @@
 #include <vector>
 
 #ifdef Q_OS_UNIX
-#include "tests/support/AsNobody.h"
+#include "tests/harness/AsNobody.h"
 
 #include <csignal>
 #include <sys/resource.h>

@@ -2,8 +2,8 @@
 #include "camera/Camera.h"
 #include "hotpixel/BadpixelListModel.h"
 #include "hotpixel/CameraLists.h"
-#include "tests/hotpixel/FakeListCamera.h"
 #include "tests/hotpixel/PrintEntry.h"
+#include "tests/sdk/FakeListCamera.h"
 
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/RecordedFrames.h"
 
-#include "tests/support/SharedData.h"
+#include "tests/harness/SharedData.h"
 
 #include <QDir>
 #include <QImage>

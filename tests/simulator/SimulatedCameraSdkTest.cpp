@@ -2,14 +2,14 @@
 #include "simulator/SimulatedCameraSdk.h"
 
 #include "simulator/SdkErrors.h"
-#include "tests/simulator/SimulatedBench.h"
+#include "tests/simulator/SimulatorFixture.h"
 
 #include <QFile>
 
 #include <cstring>
 
-using bench::Bench;
-using bench::OpenedCamera;
+using simulatortest::OpenedCamera;
+using simulatortest::SimulatorFixture;
 
 namespace {
 
@@ -71,11 +71,11 @@ std::vector<std::int32_t> callEverything(CameraSdk& sdk, CameraSdk::Handle handl
 
 TEST(SimulatedCameraList, HoldsWhatTheDescriptionSays)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     std::int32_t count = 0;
-    ASSERT_EQ(bench.sdk->getNumberOfCameras(&count), 0);
+    ASSERT_EQ(fixture.sdk->getNumberOfCameras(&count), 0);
     EXPECT_EQ(count, 2);
-    const auto entries = listedCameras(*bench.sdk, 2);
+    const auto entries = listedCameras(*fixture.sdk, 2);
     ASSERT_EQ(entries.size(), 2U);
     EXPECT_EQ(entries[0].camId, 1U);
     EXPECT_EQ(entries[0].devId, 1U);
@@ -89,209 +89,209 @@ TEST(SimulatedCameraList, HoldsWhatTheDescriptionSays)
 
 TEST(SimulatedCameraList, WritesNoMoreThanThereIsRoomFor)
 {
-    Bench bench;
-    EXPECT_EQ(listedCameras(*bench.sdk, 1).size(), 1U);
-    EXPECT_EQ(listedCameras(*bench.sdk, 0).size(), 0U);
-    EXPECT_EQ(listedCameras(*bench.sdk, 5).size(), 2U);
+    SimulatorFixture fixture;
+    EXPECT_EQ(listedCameras(*fixture.sdk, 1).size(), 1U);
+    EXPECT_EQ(listedCameras(*fixture.sdk, 0).size(), 0U);
+    EXPECT_EQ(listedCameras(*fixture.sdk, 5).size(), 2U);
 }
 
 TEST(SimulatedCameraList, LeavesUnpluggedCamerasOut)
 {
-    Bench bench;
-    bench.sdk->control(QStringLiteral("M1")).setPlugged(false);
+    SimulatorFixture fixture;
+    fixture.sdk->control(QStringLiteral("M1")).setPlugged(false);
     std::int32_t count = 0;
-    ASSERT_EQ(bench.sdk->getNumberOfCameras(&count), 0);
+    ASSERT_EQ(fixture.sdk->getNumberOfCameras(&count), 0);
     EXPECT_EQ(count, 1);
-    const auto entries = listedCameras(*bench.sdk, 2);
+    const auto entries = listedCameras(*fixture.sdk, 2);
     ASSERT_EQ(entries.size(), 1U);
     EXPECT_EQ(entries[0].devId, 2U);
 }
 
 TEST(SimulatedCameraList, ShowsWhichCamerasAreInUse)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     {
-        const OpenedCamera opened(*bench.sdk);
-        EXPECT_EQ(listedCameras(*bench.sdk, 2)[0].status, 1U);
-        EXPECT_EQ(listedCameras(*bench.sdk, 2)[1].status, 0U);
+        const OpenedCamera opened(*fixture.sdk);
+        EXPECT_EQ(listedCameras(*fixture.sdk, 2)[0].status, 1U);
+        EXPECT_EQ(listedCameras(*fixture.sdk, 2)[1].status, 0U);
     }
-    EXPECT_EQ(listedCameras(*bench.sdk, 2)[0].status, 0U);
-    bench.sdk->control(QStringLiteral("B2")).setHeldElsewhere(true);
-    EXPECT_EQ(listedCameras(*bench.sdk, 2)[1].status, 1U);
+    EXPECT_EQ(listedCameras(*fixture.sdk, 2)[0].status, 0U);
+    fixture.sdk->control(QStringLiteral("B2")).setHeldElsewhere(true);
+    EXPECT_EQ(listedCameras(*fixture.sdk, 2)[1].status, 1U);
 }
 
 TEST(SimulatedCameraOpening, GivesAHandleThatNoOtherOpeningHad)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     CameraSdk::Handle first = 1 | camera::OpenByDevice;
-    ASSERT_EQ(bench.sdk->initCamera(&first, nullptr), 0);
+    ASSERT_EQ(fixture.sdk->initCamera(&first, nullptr), 0);
     EXPECT_NE(first, 0U);
-    EXPECT_EQ(bench.sdk->openCameras(), 1);
-    ASSERT_EQ(bench.sdk->exitCamera(first), 0);
-    EXPECT_EQ(bench.sdk->openCameras(), 0);
+    EXPECT_EQ(fixture.sdk->openCameras(), 1);
+    ASSERT_EQ(fixture.sdk->exitCamera(first), 0);
+    EXPECT_EQ(fixture.sdk->openCameras(), 0);
     CameraSdk::Handle second = 1 | camera::OpenByDevice;
-    ASSERT_EQ(bench.sdk->initCamera(&second, nullptr), 0);
+    ASSERT_EQ(fixture.sdk->initCamera(&second, nullptr), 0);
     EXPECT_NE(second, first);
 }
 
 TEST(SimulatedCameraOpening, WithoutTheDeviceFlagTheCameraIdCounts)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     CameraSdk::Handle handle = 7;
-    ASSERT_EQ(bench.sdk->initCamera(&handle, nullptr), 0);
-    bench.sdk->control(QStringLiteral("M1")).setPlugged(false);
-    EXPECT_EQ(bench.sdk->setColorMode(handle, camera::QueryCurrent), 11) << "the Bayer camera";
+    ASSERT_EQ(fixture.sdk->initCamera(&handle, nullptr), 0);
+    fixture.sdk->control(QStringLiteral("M1")).setPlugged(false);
+    EXPECT_EQ(fixture.sdk->setColorMode(handle, camera::QueryCurrent), 11) << "the Bayer camera";
 }
 
 TEST(SimulatedCameraOpening, OfAnUnknownCameraFailsAndLeavesTheSelector)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     CameraSdk::Handle handle = 99 | camera::OpenByDevice;
-    EXPECT_EQ(bench.sdk->initCamera(&handle, nullptr), simulator::CameraNotFound);
+    EXPECT_EQ(fixture.sdk->initCamera(&handle, nullptr), simulator::CameraNotFound);
     EXPECT_EQ(handle, 99 | camera::OpenByDevice);
-    EXPECT_EQ(bench.sdk->initCamera(nullptr, nullptr), simulator::NullPointer);
+    EXPECT_EQ(fixture.sdk->initCamera(nullptr, nullptr), simulator::NullPointer);
 }
 
 TEST(SimulatedCameraOpening, OfAnUnpluggedCameraFails)
 {
-    Bench bench;
-    bench.sdk->control(QStringLiteral("M1")).setPlugged(false);
+    SimulatorFixture fixture;
+    fixture.sdk->control(QStringLiteral("M1")).setPlugged(false);
     CameraSdk::Handle handle = 1 | camera::OpenByDevice;
-    EXPECT_EQ(bench.sdk->initCamera(&handle, nullptr), simulator::CameraNotFound);
+    EXPECT_EQ(fixture.sdk->initCamera(&handle, nullptr), simulator::CameraNotFound);
 }
 
 TEST(SimulatedCameraOpening, OfACameraInUseFails)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     CameraSdk::Handle handle = 1 | camera::OpenByDevice;
-    bench.sdk->control(QStringLiteral("M1")).setHeldElsewhere(true);
-    EXPECT_EQ(bench.sdk->initCamera(&handle, nullptr), simulator::CameraInUse);
-    bench.sdk->control(QStringLiteral("M1")).setHeldElsewhere(false);
-    const OpenedCamera opened(*bench.sdk);
-    EXPECT_EQ(bench.sdk->initCamera(&handle, nullptr), simulator::CameraInUse);
+    fixture.sdk->control(QStringLiteral("M1")).setHeldElsewhere(true);
+    EXPECT_EQ(fixture.sdk->initCamera(&handle, nullptr), simulator::CameraInUse);
+    fixture.sdk->control(QStringLiteral("M1")).setHeldElsewhere(false);
+    const OpenedCamera opened(*fixture.sdk);
+    EXPECT_EQ(fixture.sdk->initCamera(&handle, nullptr), simulator::CameraInUse);
 }
 
 TEST(SimulatedCameraOpening, IsSeenByAnotherProgram)
 {
-    Bench bench;
-    SimulatedCameraSdk other(bench.bus);
+    SimulatorFixture fixture;
+    SimulatedCameraSdk other(fixture.bus);
     CameraSdk::Handle handle = 1 | camera::OpenByDevice;
     {
-        const OpenedCamera opened(*bench.sdk);
+        const OpenedCamera opened(*fixture.sdk);
         EXPECT_EQ(listedCameras(other, 2)[0].status, 1U);
         EXPECT_EQ(listedCameras(other, 2)[1].status, 0U);
         EXPECT_EQ(other.initCamera(&handle, nullptr), simulator::CameraInUse);
     }
     EXPECT_EQ(listedCameras(other, 2)[0].status, 0U);
     EXPECT_EQ(other.initCamera(&handle, nullptr), 0);
-    EXPECT_EQ(listedCameras(*bench.sdk, 2)[0].status, 1U);
+    EXPECT_EQ(listedCameras(*fixture.sdk, 2)[0].status, 1U);
 }
 
 TEST(SimulatedCameraOpening, IgnoresTheLockOfAProgramThatWasKilled)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     {
-        const OpenedCamera opened(*bench.sdk); // makes the folder
+        const OpenedCamera opened(*fixture.sdk); // makes the folder
     }
     // A killed program leaves the file, and nobody who holds it.
-    ASSERT_TRUE(QFile::exists(bench.bus.eepromFolder + QStringLiteral("/M1.lock")));
-    EXPECT_EQ(listedCameras(*bench.sdk, 2)[0].status, 0U);
-    const OpenedCamera opened(*bench.sdk);
-    EXPECT_EQ(bench.sdk->openCameras(), 1);
+    ASSERT_TRUE(QFile::exists(fixture.bus.eepromFolder + QStringLiteral("/M1.lock")));
+    EXPECT_EQ(listedCameras(*fixture.sdk, 2)[0].status, 0U);
+    const OpenedCamera opened(*fixture.sdk);
+    EXPECT_EQ(fixture.sdk->openCameras(), 1);
 }
 
 TEST(SimulatedFirmwareUpload, IsAskedForOnceAndRemembered)
 {
-    CameraDescription camera = bench::smallMono();
+    CameraDescription camera = simulatortest::smallMono();
     camera.firmwareUpload = true;
     camera.firmwareUploadMsec = 3000;
-    Bench bench({camera});
+    SimulatorFixture fixture({camera});
     CameraSdk::Handle handle = 1 | camera::OpenByDevice;
-    ASSERT_EQ(bench.sdk->initCamera(&handle, nullptr), camera::FirmwareUploadNeeded);
-    EXPECT_EQ(bench.sdk->openCameras(), 0);
-    EXPECT_EQ(listedCameras(*bench.sdk, 1)[0].status, 0U);
+    ASSERT_EQ(fixture.sdk->initCamera(&handle, nullptr), camera::FirmwareUploadNeeded);
+    EXPECT_EQ(fixture.sdk->openCameras(), 0);
+    EXPECT_EQ(listedCameras(*fixture.sdk, 1)[0].status, 0U);
 
     std::int32_t msec = 25000;
-    ASSERT_EQ(bench.sdk->getFirmwareUploadTime(handle, 1, &msec), 0);
+    ASSERT_EQ(fixture.sdk->getFirmwareUploadTime(handle, 1, &msec), 0);
     EXPECT_EQ(msec, 3000);
     handle = 1 | camera::OpenWithFirmwareUpload;
-    ASSERT_EQ(bench.sdk->initCamera(&handle, nullptr), 0);
-    bench.sdk->exitCamera(handle);
+    ASSERT_EQ(fixture.sdk->initCamera(&handle, nullptr), 0);
+    fixture.sdk->exitCamera(handle);
 
-    bench.restart();
+    fixture.restart();
     handle = 1 | camera::OpenByDevice;
-    ASSERT_EQ(bench.sdk->getFirmwareUploadTime(handle, 1, &msec), 0);
+    ASSERT_EQ(fixture.sdk->getFirmwareUploadTime(handle, 1, &msec), 0);
     EXPECT_EQ(msec, 0);
-    EXPECT_EQ(bench.sdk->initCamera(&handle, nullptr), 0);
+    EXPECT_EQ(fixture.sdk->initCamera(&handle, nullptr), 0);
 }
 
 TEST(SimulatedFirmwareUpload, TheTimeOfAnUnknownCameraIsLeftAlone)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     std::int32_t msec = 25000;
-    EXPECT_EQ(bench.sdk->getFirmwareUploadTime(99 | camera::OpenByDevice, 1, &msec),
+    EXPECT_EQ(fixture.sdk->getFirmwareUploadTime(99 | camera::OpenByDevice, 1, &msec),
               simulator::CameraNotFound);
     EXPECT_EQ(msec, 25000);
-    EXPECT_EQ(bench.sdk->getFirmwareUploadTime(1, 1, nullptr), simulator::NullPointer);
+    EXPECT_EQ(fixture.sdk->getFirmwareUploadTime(1, 1, nullptr), simulator::NullPointer);
 }
 
 TEST(SimulatedSdkErrors, AnUnknownHandleIsRefusedEverywhere)
 {
-    Bench bench;
-    const OpenedCamera opened(*bench.sdk);
-    for (const std::int32_t result : callEverything(*bench.sdk, opened.handle + 1)) {
+    SimulatorFixture fixture;
+    const OpenedCamera opened(*fixture.sdk);
+    for (const std::int32_t result : callEverything(*fixture.sdk, opened.handle + 1)) {
         EXPECT_EQ(result, simulator::InvalidHandle);
     }
 }
 
 TEST(SimulatedSdkErrors, AClosedCameraIsRefusedEverywhere)
 {
-    Bench bench;
-    OpenedCamera opened(*bench.sdk);
+    SimulatorFixture fixture;
+    OpenedCamera opened(*fixture.sdk);
     opened.close();
-    for (const std::int32_t result : callEverything(*bench.sdk, opened.handle)) {
+    for (const std::int32_t result : callEverything(*fixture.sdk, opened.handle)) {
         EXPECT_EQ(result, simulator::CameraClosed);
     }
 }
 
 TEST(SimulatedSdkErrors, WithHandleNullNothingButDeviceEventsWorks)
 {
-    Bench bench;
-    const std::vector<std::int32_t> results = callEverything(*bench.sdk, 0);
+    SimulatorFixture fixture;
+    const std::vector<std::int32_t> results = callEverything(*fixture.sdk, 0);
     for (const std::int32_t result : results) {
         EXPECT_TRUE(result == simulator::InvalidHandle || result == simulator::InvalidParameter)
             << result;
     }
     EventHandle event = createEventObject();
-    EXPECT_EQ(bench.sdk->initEvent(0, event, camera::EventDeviceNew), 0);
-    EXPECT_EQ(bench.sdk->enableEvent(0, camera::EventDeviceNew), 0);
-    EXPECT_EQ(bench.sdk->disableEvent(0, camera::EventDeviceNew), 0);
-    EXPECT_EQ(bench.sdk->exitEvent(0, camera::EventDeviceNew), 0);
+    EXPECT_EQ(fixture.sdk->initEvent(0, event, camera::EventDeviceNew), 0);
+    EXPECT_EQ(fixture.sdk->enableEvent(0, camera::EventDeviceNew), 0);
+    EXPECT_EQ(fixture.sdk->disableEvent(0, camera::EventDeviceNew), 0);
+    EXPECT_EQ(fixture.sdk->exitEvent(0, camera::EventDeviceNew), 0);
 }
 
 TEST(SimulatedSdkErrors, AnUnpluggedCameraCanOnlyBeGivenUp)
 {
-    Bench bench;
-    OpenedCamera opened(*bench.sdk);
-    bench.sdk->control(QStringLiteral("M1")).setPlugged(false);
+    SimulatorFixture fixture;
+    OpenedCamera opened(*fixture.sdk);
+    fixture.sdk->control(QStringLiteral("M1")).setPlugged(false);
     double number = 0;
     const CameraSdk::Handle handle = opened.handle;
-    EXPECT_EQ(bench.sdk->setPixelClock(handle, camera::QueryCurrent), simulator::CameraUnplugged);
-    EXPECT_EQ(bench.sdk->getFramesPerSecond(handle, &number), simulator::CameraUnplugged);
-    EXPECT_EQ(bench.sdk->setExposureTime(handle, 1.0, &number), simulator::CameraUnplugged);
-    EXPECT_EQ(bench.sdk->hotpixelCommand(handle, camera::DeleteUserList, nullptr, 0),
+    EXPECT_EQ(fixture.sdk->setPixelClock(handle, camera::QueryCurrent), simulator::CameraUnplugged);
+    EXPECT_EQ(fixture.sdk->getFramesPerSecond(handle, &number), simulator::CameraUnplugged);
+    EXPECT_EQ(fixture.sdk->setExposureTime(handle, 1.0, &number), simulator::CameraUnplugged);
+    EXPECT_EQ(fixture.sdk->hotpixelCommand(handle, camera::DeleteUserList, nullptr, 0),
               simulator::CameraUnplugged);
-    EXPECT_EQ(bench.sdk->startLiveVideo(handle, camera::DontWait), simulator::CameraUnplugged);
-    EXPECT_EQ(bench.sdk->stopLiveVideo(handle, camera::Wait), 0);
-    EXPECT_EQ(bench.sdk->exitCamera(handle), 0);
+    EXPECT_EQ(fixture.sdk->startLiveVideo(handle, camera::DontWait), simulator::CameraUnplugged);
+    EXPECT_EQ(fixture.sdk->stopLiveVideo(handle, camera::Wait), 0);
+    EXPECT_EQ(fixture.sdk->exitCamera(handle), 0);
 }
 
 TEST(SimulatedSdkErrors, MissingPointersAreRefused)
 {
-    Bench bench;
-    const OpenedCamera opened(*bench.sdk);
+    SimulatorFixture fixture;
+    const OpenedCamera opened(*fixture.sdk);
     const CameraSdk::Handle handle = opened.handle;
-    SimulatedCameraSdk& sdk = *bench.sdk;
+    SimulatedCameraSdk& sdk = *fixture.sdk;
     char* memory = nullptr;
     std::int32_t number = 0;
     double value = 0;
@@ -327,46 +327,46 @@ TEST(SimulatedSdkErrors, MissingPointersAreRefused)
 
 TEST(SimulatedSdkErrors, EachHasAText)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     for (std::int32_t code = simulator::InvalidHandle; code <= simulator::FirmwareUploadFailed;
          ++code) {
-        EXPECT_NE(errorText(*bench.sdk, 0, code), "Unknown error.") << code;
+        EXPECT_NE(errorText(*fixture.sdk, 0, code), "Unknown error.") << code;
     }
-    EXPECT_EQ(errorText(*bench.sdk, 0, camera::FileNotOpened),
+    EXPECT_EQ(errorText(*fixture.sdk, 0, camera::FileNotOpened),
               "The settings file can't be opened.");
-    EXPECT_EQ(errorText(*bench.sdk, 0, simulator::CameraClosed), "The camera is closed.");
-    EXPECT_EQ(errorText(*bench.sdk, 0, 4711), "Unknown error.");
+    EXPECT_EQ(errorText(*fixture.sdk, 0, simulator::CameraClosed), "The camera is closed.");
+    EXPECT_EQ(errorText(*fixture.sdk, 0, 4711), "Unknown error.");
 }
 
 TEST(SimulatedControls, UnknownSerialNumbersDoNothing)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     const QString nobody = QStringLiteral("nobody");
-    bench.sdk->control(nobody).setPlugged(false);
-    bench.sdk->control(nobody).setCovered(true);
-    bench.sdk->control(nobody).setDropFrames(true);
-    bench.sdk->control(nobody).setTemperature(1);
-    bench.sdk->control(nobody).setHeldElsewhere(true);
-    EXPECT_FALSE(bench.sdk->control(nobody).isPlugged());
-    EXPECT_FALSE(bench.sdk->control(nobody).isCovered());
-    EXPECT_FALSE(bench.sdk->control(nobody).dropsFrames());
-    EXPECT_FALSE(bench.sdk->control(nobody).isHeldElsewhere());
-    EXPECT_EQ(bench.sdk->control(nobody).temperature(), 0);
-    EXPECT_TRUE(bench.sdk->control(nobody).knownHotPixels().empty());
-    EXPECT_EQ(bench.sdk->control(nobody).darkMeanDn(), 0);
-    EXPECT_TRUE(bench.sdk->control(nobody).eepromFileName().isEmpty());
-    EXPECT_TRUE(bench.sdk->control(nobody).model().isEmpty());
+    fixture.sdk->control(nobody).setPlugged(false);
+    fixture.sdk->control(nobody).setCovered(true);
+    fixture.sdk->control(nobody).setDropFrames(true);
+    fixture.sdk->control(nobody).setTemperature(1);
+    fixture.sdk->control(nobody).setHeldElsewhere(true);
+    EXPECT_FALSE(fixture.sdk->control(nobody).isPlugged());
+    EXPECT_FALSE(fixture.sdk->control(nobody).isCovered());
+    EXPECT_FALSE(fixture.sdk->control(nobody).dropsFrames());
+    EXPECT_FALSE(fixture.sdk->control(nobody).isHeldElsewhere());
+    EXPECT_EQ(fixture.sdk->control(nobody).temperature(), 0);
+    EXPECT_TRUE(fixture.sdk->control(nobody).knownHotPixels().empty());
+    EXPECT_EQ(fixture.sdk->control(nobody).darkMeanDn(), 0);
+    EXPECT_TRUE(fixture.sdk->control(nobody).eepromFileName().isEmpty());
+    EXPECT_TRUE(fixture.sdk->control(nobody).model().isEmpty());
 }
 
 TEST(SimulatedControls, KnowTheirCameras)
 {
-    Bench bench;
-    EXPECT_EQ(bench.sdk->serials(), (QStringList{QStringLiteral("M1"), QStringLiteral("B2")}));
-    EXPECT_EQ(bench.sdk->serialOf(2), QStringLiteral("B2"));
-    EXPECT_EQ(bench.sdk->serialOf(3), QString());
-    EXPECT_EQ(bench.sdk->control(QStringLiteral("M1")).model(), QStringLiteral("Small mono"));
-    EXPECT_EQ(bench.sdk->control(QStringLiteral("M1")).eepromFileName(),
-              bench.bus.eepromFolder + QStringLiteral("/M1.eeprom"));
+    SimulatorFixture fixture;
+    EXPECT_EQ(fixture.sdk->serials(), (QStringList{QStringLiteral("M1"), QStringLiteral("B2")}));
+    EXPECT_EQ(fixture.sdk->serialOf(2), QStringLiteral("B2"));
+    EXPECT_EQ(fixture.sdk->serialOf(3), QString());
+    EXPECT_EQ(fixture.sdk->control(QStringLiteral("M1")).model(), QStringLiteral("Small mono"));
+    EXPECT_EQ(fixture.sdk->control(QStringLiteral("M1")).eepromFileName(),
+              fixture.bus.eepromFolder + QStringLiteral("/M1.eeprom"));
 }
 
 } // namespace

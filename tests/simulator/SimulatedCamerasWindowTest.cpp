@@ -2,7 +2,7 @@
 #include "simulator/SimulatedCamerasWindow.h"
 
 #include "camera/SdkExtras.h"
-#include "tests/simulator/SimulatedBench.h"
+#include "tests/simulator/SimulatorFixture.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -13,7 +13,7 @@
 #include <QTimer>
 #include <QtTest/qtestspontaneevent.h>
 
-using bench::Bench;
+using simulatortest::SimulatorFixture;
 
 namespace {
 
@@ -36,8 +36,8 @@ protected:
         QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(8, box->height() / 2));
     }
 
-    Bench m_bench;
-    SimulatedCamerasWindow m_window{*m_bench.sdk};
+    SimulatorFixture m_fixture;
+    SimulatedCamerasWindow m_window{*m_fixture.sdk};
 };
 
 TEST_F(SimulatedCamerasWindowTest, StartsWithThePluggedUncoveredCameras)
@@ -59,14 +59,14 @@ TEST_F(SimulatedCamerasWindowTest, ItsBoxesActOnTheirCamera)
     click("cover", Bayer);
     click("drop", Mono);
     click("held", Bayer);
-    EXPECT_FALSE(m_bench.sdk->control(Mono).isPlugged());
-    EXPECT_TRUE(m_bench.sdk->control(Bayer).isPlugged());
-    EXPECT_TRUE(m_bench.sdk->control(Bayer).isCovered());
-    EXPECT_FALSE(m_bench.sdk->control(Mono).isCovered());
-    EXPECT_TRUE(m_bench.sdk->control(Mono).dropsFrames());
-    EXPECT_TRUE(m_bench.sdk->control(Bayer).isHeldElsewhere());
+    EXPECT_FALSE(m_fixture.sdk->control(Mono).isPlugged());
+    EXPECT_TRUE(m_fixture.sdk->control(Bayer).isPlugged());
+    EXPECT_TRUE(m_fixture.sdk->control(Bayer).isCovered());
+    EXPECT_FALSE(m_fixture.sdk->control(Mono).isCovered());
+    EXPECT_TRUE(m_fixture.sdk->control(Mono).dropsFrames());
+    EXPECT_TRUE(m_fixture.sdk->control(Bayer).isHeldElsewhere());
     click("plugged", Mono);
-    EXPECT_TRUE(m_bench.sdk->control(Mono).isPlugged());
+    EXPECT_TRUE(m_fixture.sdk->control(Mono).isPlugged());
 }
 
 TEST_F(SimulatedCamerasWindowTest, TheTemperatureIsTyped)
@@ -77,8 +77,8 @@ TEST_F(SimulatedCamerasWindowTest, TheTemperatureIsTyped)
     temperature->selectAll();
     QTest::keyClicks(temperature, QStringLiteral("41.5"));
     QTest::keyClick(temperature, Qt::Key_Return);
-    EXPECT_EQ(m_bench.sdk->control(Mono).temperature(), 41.5);
-    EXPECT_EQ(m_bench.sdk->control(Bayer).temperature(), 25.0);
+    EXPECT_EQ(m_fixture.sdk->control(Mono).temperature(), 41.5);
+    EXPECT_EQ(m_fixture.sdk->control(Bayer).temperature(), 25.0);
 }
 
 TEST_F(SimulatedCamerasWindowTest, EveryControlIsReachedByTheTabKey)
@@ -92,29 +92,29 @@ TEST_F(SimulatedCamerasWindowTest, EveryControlIsReachedByTheTabKey)
     auto* cover = find<QCheckBox>("cover", Mono);
     cover->setFocus();
     QTest::keyClick(cover, Qt::Key_Space);
-    EXPECT_TRUE(m_bench.sdk->control(Mono).isCovered());
+    EXPECT_TRUE(m_fixture.sdk->control(Mono).isCovered());
 }
 
 TEST_F(SimulatedCamerasWindowTest, FollowsWhatHappensElsewhere)
 {
     m_window.show();
-    m_bench.sdk->control(Mono).setCovered(true);
-    m_bench.sdk->control(Bayer).setPlugged(false);
-    m_bench.sdk->control(Bayer).setTemperature(30);
+    m_fixture.sdk->control(Mono).setCovered(true);
+    m_fixture.sdk->control(Bayer).setPlugged(false);
+    m_fixture.sdk->control(Bayer).setTemperature(30);
     EXPECT_TRUE(QTest::qWaitFor(
         [this] {
             return find<QCheckBox>("cover", Mono)->isChecked() &&
                    !find<QCheckBox>("plugged", Bayer)->isChecked() &&
                    find<QDoubleSpinBox>("temperature", Bayer)->value() == 30.0;
         },
-        bench::GenerousMsec));
+        simulatortest::GenerousMsec));
 }
 
 TEST_F(SimulatedCamerasWindowTest, SaysWhereTheEepromFilesAre)
 {
     auto* where = m_window.findChild<QLabel*>(QStringLiteral("eepromFolder"));
     ASSERT_NE(where, nullptr);
-    EXPECT_TRUE(where->text().contains(m_bench.bus.eepromFolder));
+    EXPECT_TRUE(where->text().contains(m_fixture.bus.eepromFolder));
     EXPECT_NE(where->textInteractionFlags() & Qt::TextSelectableByMouse, 0);
 }
 
@@ -124,7 +124,7 @@ TEST_F(SimulatedCamerasWindowTest, TheProgramEndsWithItsOwnWindow)
     editor.show();
     m_window.show();
     QTimer::singleShot(0, &editor, &QWidget::close);
-    QTimer::singleShot(bench::GenerousMsec, &editor, [] { QCoreApplication::exit(1); });
+    QTimer::singleShot(simulatortest::GenerousMsec, &editor, [] { QCoreApplication::exit(1); });
     EXPECT_EQ(QCoreApplication::exec(), 0);
     EXPECT_FALSE(m_window.isVisible());
 }
@@ -146,8 +146,8 @@ TEST_F(SimulatedCamerasWindowTest, TheProgramGoesOnWithoutIt)
 
 TEST(SdkWindow, IsShownForSimulatedCamerasOnly)
 {
-    Bench bench;
-    const std::unique_ptr<QObject> window = createSdkWindow(*bench.sdk);
+    SimulatorFixture fixture;
+    const std::unique_ptr<QObject> window = createSdkWindow(*fixture.sdk);
     auto* widget = dynamic_cast<SimulatedCamerasWindow*>(window.get());
     ASSERT_NE(widget, nullptr);
     EXPECT_TRUE(widget->isVisible());
@@ -166,16 +166,16 @@ TEST(SdkWindow, AMistakeInTheSettingsFileIsShown)
 
 TEST(SdkSwitches, CoverTheCamera)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     const std::vector<SdkSwitch> switches = sdkSwitches();
     ASSERT_EQ(switches.size(), 1U);
     EXPECT_EQ(switches[0].name, QStringLiteral("cover"));
     EXPECT_FALSE(switches[0].description.isEmpty());
-    switches[0].apply(*bench.sdk, 2);
-    EXPECT_TRUE(bench.sdk->control(Bayer).isCovered());
-    EXPECT_FALSE(bench.sdk->control(Mono).isCovered());
-    switches[0].apply(*bench.sdk, 99);
-    EXPECT_FALSE(bench.sdk->control(Mono).isCovered());
+    switches[0].apply(*fixture.sdk, 2);
+    EXPECT_TRUE(fixture.sdk->control(Bayer).isCovered());
+    EXPECT_FALSE(fixture.sdk->control(Mono).isCovered());
+    switches[0].apply(*fixture.sdk, 99);
+    EXPECT_FALSE(fixture.sdk->control(Mono).isCovered());
 }
 
 TEST(SimulatedCamerasPlace, IsBesideTheMainWindowWhereverThereIsRoom)

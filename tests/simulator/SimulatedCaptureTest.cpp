@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/ModelledFrames.h"
 #include "simulator/SdkErrors.h"
-#include "tests/simulator/SimulatedBench.h"
+#include "tests/simulator/SimulatorFixture.h"
 
 #include <QImage>
 
@@ -9,9 +9,9 @@
 #include <cmath>
 #include <set>
 
-using bench::Bench;
-using bench::GenerousMsec;
-using bench::OpenedCamera;
+using simulatortest::GenerousMsec;
+using simulatortest::OpenedCamera;
+using simulatortest::SimulatorFixture;
 
 namespace {
 
@@ -44,55 +44,55 @@ double averageAt(const std::vector<Pixels>& frames, std::size_t index)
 
 TEST(SimulatedCapture, NeedsImageMemory)
 {
-    Bench bench;
-    const OpenedCamera mono(*bench.sdk);
-    EXPECT_EQ(bench.sdk->startLiveVideo(mono.handle, camera::DontWait), simulator::SequenceEmpty);
-    EXPECT_EQ(bench.sdk->stopLiveVideo(mono.handle, camera::Wait), 0);
+    SimulatorFixture fixture;
+    const OpenedCamera mono(*fixture.sdk);
+    EXPECT_EQ(fixture.sdk->startLiveVideo(mono.handle, camera::DontWait), simulator::SequenceEmpty);
+    EXPECT_EQ(fixture.sdk->stopLiveVideo(mono.handle, camera::Wait), 0);
 }
 
 TEST(SimulatedCapture, RefusesUnknownWaitModes)
 {
-    Bench bench;
-    const OpenedCamera mono(*bench.sdk);
-    EXPECT_EQ(bench.sdk->startLiveVideo(mono.handle, 2), simulator::InvalidParameter);
-    EXPECT_EQ(bench.sdk->stopLiveVideo(mono.handle, 2), simulator::InvalidParameter);
+    SimulatorFixture fixture;
+    const OpenedCamera mono(*fixture.sdk);
+    EXPECT_EQ(fixture.sdk->startLiveVideo(mono.handle, 2), simulator::InvalidParameter);
+    EXPECT_EQ(fixture.sdk->stopLiveVideo(mono.handle, 2), simulator::InvalidParameter);
 }
 
 TEST(SimulatedCapture, StartsAndStopsAsOftenAsOneLikes)
 {
-    Bench bench;
-    OpenedCamera mono(*bench.sdk);
+    SimulatorFixture fixture;
+    OpenedCamera mono(*fixture.sdk);
     mono.startLive();
-    EXPECT_EQ(bench.sdk->startLiveVideo(mono.handle, camera::DontWait), 0);
+    EXPECT_EQ(fixture.sdk->startLiveVideo(mono.handle, camera::DontWait), 0);
     EXPECT_FALSE(mono.nextFrame().empty());
-    EXPECT_EQ(bench.sdk->setColorMode(mono.handle, 6), simulator::CaptureRunning);
-    EXPECT_EQ(bench.sdk->stopLiveVideo(mono.handle, camera::Wait), 0);
-    EXPECT_EQ(bench.sdk->stopLiveVideo(mono.handle, camera::ForceStop), 0);
-    EXPECT_EQ(bench.sdk->startLiveVideo(mono.handle, camera::Wait), 0);
+    EXPECT_EQ(fixture.sdk->setColorMode(mono.handle, 6), simulator::CaptureRunning);
+    EXPECT_EQ(fixture.sdk->stopLiveVideo(mono.handle, camera::Wait), 0);
+    EXPECT_EQ(fixture.sdk->stopLiveVideo(mono.handle, camera::ForceStop), 0);
+    EXPECT_EQ(fixture.sdk->startLiveVideo(mono.handle, camera::Wait), 0);
     EXPECT_FALSE(mono.nextFrame().empty());
 }
 
 TEST(SimulatedCapture, HasNoFrameBeforeTheFirst)
 {
-    CameraDescription slow = bench::smallMono();
-    Bench bench({slow}, 0.01);
-    OpenedCamera mono(*bench.sdk);
+    CameraDescription slow = simulatortest::smallMono();
+    SimulatorFixture fixture({slow}, 0.01);
+    OpenedCamera mono(*fixture.sdk);
     mono.startLive();
     char* memory = nullptr;
-    EXPECT_EQ(bench.sdk->getFrameMemory(mono.handle, 0, 0, &memory), simulator::NoFrameYet);
+    EXPECT_EQ(fixture.sdk->getFrameMemory(mono.handle, 0, 0, &memory), simulator::NoFrameYet);
     EXPECT_EQ(memory, nullptr);
 }
 
 TEST(SimulatedCapture, DeliversFramesIntoBothMemories)
 {
-    Bench bench;
-    OpenedCamera mono(*bench.sdk);
+    SimulatorFixture fixture;
+    OpenedCamera mono(*fixture.sdk);
     mono.startLive();
     std::set<char*> seen;
     while (seen.size() < 2) {
         char* memory = nullptr;
         ASSERT_TRUE(waitForEventObject(mono.frameEvent, GenerousMsec));
-        ASSERT_EQ(bench.sdk->getFrameMemory(mono.handle, 0, 0, &memory), 0);
+        ASSERT_EQ(fixture.sdk->getFrameMemory(mono.handle, 0, 0, &memory), 0);
         ASSERT_TRUE(memory == mono.memories[0].pointer || memory == mono.memories[1].pointer);
         seen.insert(memory);
     }
@@ -100,12 +100,12 @@ TEST(SimulatedCapture, DeliversFramesIntoBothMemories)
 
 TEST(SimulatedCapture, NeverTouchesTheFrameHandedOutLast)
 {
-    Bench bench;
-    OpenedCamera mono(*bench.sdk);
+    SimulatorFixture fixture;
+    OpenedCamera mono(*fixture.sdk);
     mono.startLive();
     char* memory = nullptr;
     ASSERT_TRUE(waitForEventObject(mono.frameEvent, GenerousMsec));
-    ASSERT_EQ(bench.sdk->getFrameMemory(mono.handle, 0, 0, &memory), 0);
+    ASSERT_EQ(fixture.sdk->getFrameMemory(mono.handle, 0, 0, &memory), 0);
     const Pixels before(memory, memory + 96 * 64);
     for (int frame = 0; frame < 10; ++frame) {
         ASSERT_TRUE(waitForEventObject(mono.frameEvent, GenerousMsec));
@@ -115,57 +115,57 @@ TEST(SimulatedCapture, NeverTouchesTheFrameHandedOutLast)
 
 TEST(SimulatedCapture, WorksWithASingleMemory)
 {
-    Bench bench;
-    OpenedCamera mono(*bench.sdk);
+    SimulatorFixture fixture;
+    OpenedCamera mono(*fixture.sdk);
     mono.startLive(1);
     for (int frame = 0; frame < 3; ++frame) {
         ASSERT_TRUE(waitForEventObject(mono.frameEvent, GenerousMsec));
     }
     char* memory = nullptr;
-    EXPECT_EQ(bench.sdk->getFrameMemory(mono.handle, 0, 0, &memory), 0);
+    EXPECT_EQ(fixture.sdk->getFrameMemory(mono.handle, 0, 0, &memory), 0);
     EXPECT_EQ(memory, mono.memories[0].pointer);
 }
 
 TEST(SimulatedCapture, MemoryMayBeTakenAwayWhileItRuns)
 {
-    Bench bench;
-    OpenedCamera mono(*bench.sdk);
+    SimulatorFixture fixture;
+    OpenedCamera mono(*fixture.sdk);
     mono.startLive();
     ASSERT_FALSE(mono.nextFrame().empty());
     for (const OpenedCamera::Memory& memory : mono.memories) {
-        EXPECT_EQ(bench.sdk->freeImageMemory(mono.handle, memory.pointer, memory.id), 0);
+        EXPECT_EQ(fixture.sdk->freeImageMemory(mono.handle, memory.pointer, memory.id), 0);
     }
     mono.memories.clear();
     EXPECT_TRUE(waitForEventObject(mono.failedEvent, GenerousMsec)) << "nowhere to write to";
     char* memory = nullptr;
-    EXPECT_EQ(bench.sdk->getFrameMemory(mono.handle, 0, 0, &memory), simulator::NoFrameYet);
+    EXPECT_EQ(fixture.sdk->getFrameMemory(mono.handle, 0, 0, &memory), simulator::NoFrameYet);
 }
 
 TEST(SimulatedCapture, DroppedFramesAreReportedAsFailed)
 {
-    Bench bench;
-    OpenedCamera mono(*bench.sdk);
-    bench.sdk->control(Mono).setDropFrames(true);
+    SimulatorFixture fixture;
+    OpenedCamera mono(*fixture.sdk);
+    fixture.sdk->control(Mono).setDropFrames(true);
     mono.startLive();
     for (int frame = 0; frame < 3; ++frame) {
         EXPECT_TRUE(waitForEventObject(mono.failedEvent, GenerousMsec));
     }
     EXPECT_FALSE(waitForEventObject(mono.frameEvent, 0));
-    bench.sdk->control(Mono).setDropFrames(false);
+    fixture.sdk->control(Mono).setDropFrames(false);
     EXPECT_FALSE(mono.nextFrame().empty());
 }
 
 TEST(SimulatedCapture, GoesOnWhenTheCableIsBack)
 {
-    Bench bench;
-    OpenedCamera mono(*bench.sdk);
+    SimulatorFixture fixture;
+    OpenedCamera mono(*fixture.sdk);
     mono.startLive();
     ASSERT_FALSE(mono.nextFrame().empty());
-    bench.sdk->control(Mono).setPlugged(false);
+    fixture.sdk->control(Mono).setPlugged(false);
     waitForEventObject(mono.frameEvent, 0); // the frame that was on its way
     EXPECT_FALSE(waitForEventObject(mono.frameEvent, 100));
     EXPECT_FALSE(waitForEventObject(mono.failedEvent, 0));
-    bench.sdk->control(Mono).setPlugged(true);
+    fixture.sdk->control(Mono).setPlugged(true);
     EXPECT_FALSE(mono.nextFrame().empty());
 }
 
@@ -173,45 +173,45 @@ TEST(SimulatedCapture, ComesAtTheSetRate)
 {
     // At a hundredth of its speed not a single frame would come within the test's life, so the
     // frames that come show that a new rate counts at once.
-    CameraDescription camera = bench::smallMono();
+    CameraDescription camera = simulatortest::smallMono();
     camera.pixelClockMin = 1;
     camera.slowestFrame = 1000;
     camera.frameRate = 0.03;
-    Bench bench({camera}, 1.0);
-    OpenedCamera mono(*bench.sdk);
+    SimulatorFixture fixture({camera}, 1.0);
+    OpenedCamera mono(*fixture.sdk);
     mono.startLive();
     EXPECT_FALSE(waitForEventObject(mono.frameEvent, 50));
     double actual = 0;
-    ASSERT_EQ(bench.sdk->setFrameRate(mono.handle, 100, &actual), 0);
+    ASSERT_EQ(fixture.sdk->setFrameRate(mono.handle, 100, &actual), 0);
     EXPECT_FALSE(mono.nextFrame().empty());
 }
 
 TEST(SimulatedCapture, StopsPromptlyHoweverSlowTheFrames)
 {
-    Bench bench({bench::smallMono()}, 0.01);
-    OpenedCamera mono(*bench.sdk);
+    SimulatorFixture fixture({simulatortest::smallMono()}, 0.01);
+    OpenedCamera mono(*fixture.sdk);
     mono.startLive();
     // Would wait for the end of a frame that takes minutes.
-    EXPECT_EQ(bench.sdk->stopLiveVideo(mono.handle, camera::Wait), 0);
+    EXPECT_EQ(fixture.sdk->stopLiveVideo(mono.handle, camera::Wait), 0);
 }
 
 TEST(SimulatedCapture, KnownHotPixelsAreWhatAnAverageOfFramesShows)
 {
     constexpr int Frames = 40;
     for (const std::uint32_t devId : {1U, 2U}) {
-        Bench bench;
-        const QString serial = bench.sdk->serialOf(devId);
-        OpenedCamera opened(*bench.sdk, devId);
-        prepareForDarkFrames(*bench.sdk, opened, serial);
+        SimulatorFixture fixture;
+        const QString serial = fixture.sdk->serialOf(devId);
+        OpenedCamera opened(*fixture.sdk, devId);
+        prepareForDarkFrames(*fixture.sdk, opened, serial);
         opened.startLive();
         std::vector<Pixels> frames;
         while (frames.size() < Frames) {
             frames.push_back(opened.nextFrame());
             ASSERT_FALSE(frames.back().empty());
         }
-        const auto known = bench.sdk->control(serial).knownHotPixels();
+        const auto known = fixture.sdk->control(serial).knownHotPixels();
         ASSERT_EQ(known.size(), 12U);
-        const double dark = bench.sdk->control(serial).darkMeanDn();
+        const double dark = fixture.sdk->control(serial).darkMeanDn();
         int hot = 0;
         for (int y = 0; y < 64; ++y) {
             for (int x = 0; x < 96; ++x) {
@@ -233,16 +233,16 @@ TEST(SimulatedCapture, KnownHotPixelsAreWhatAnAverageOfFramesShows)
 TEST(SimulatedCapture, CorrectionReplacesEachListedPixel)
 {
     for (const std::uint32_t devId : {1U, 2U}) {
-        Bench bench;
-        const QString serial = bench.sdk->serialOf(devId);
-        OpenedCamera opened(*bench.sdk, devId);
-        prepareForDarkFrames(*bench.sdk, opened, serial);
+        SimulatorFixture fixture;
+        const QString serial = fixture.sdk->serialOf(devId);
+        OpenedCamera opened(*fixture.sdk, devId);
+        prepareForDarkFrames(*fixture.sdk, opened, serial);
         const CameraSdk::Handle handle = opened.handle;
-        std::vector<std::uint16_t> listed = bench::readList(*bench.sdk, handle, false);
-        const auto user = bench::readList(*bench.sdk, handle, true);
+        std::vector<std::uint16_t> listed = simulatortest::readList(*fixture.sdk, handle, false);
+        const auto user = simulatortest::readList(*fixture.sdk, handle, true);
         listed.insert(listed.end(), user.begin(), user.end());
         ASSERT_EQ(listed.size(), 6U);
-        const double dark = bench.sdk->control(serial).darkMeanDn();
+        const double dark = fixture.sdk->control(serial).darkMeanDn();
         opened.startLive();
         const auto brightest = [&] {
             int value = 0;
@@ -253,46 +253,46 @@ TEST(SimulatedCapture, CorrectionReplacesEachListedPixel)
             return value;
         };
         EXPECT_GT(brightest(), dark + 40);
-        bench.sdk->stopLiveVideo(handle, camera::Wait);
+        fixture.sdk->stopLiveVideo(handle, camera::Wait);
         waitForEventObject(opened.frameEvent, 0);
         for (const std::int32_t command : {camera::CorrectionOnFirst, camera::CorrectionOnSecond}) {
-            ASSERT_EQ(bench.sdk->hotpixelCommand(handle, command, nullptr, 0), 0);
+            ASSERT_EQ(fixture.sdk->hotpixelCommand(handle, command, nullptr, 0), 0);
         }
-        bench.sdk->startLiveVideo(handle, camera::Wait);
+        fixture.sdk->startLiveVideo(handle, camera::Wait);
         EXPECT_LT(brightest(), dark + 8);
-        bench.sdk->stopLiveVideo(handle, camera::Wait);
+        fixture.sdk->stopLiveVideo(handle, camera::Wait);
         waitForEventObject(opened.frameEvent, 0);
         for (const std::int32_t command :
              {camera::CorrectionOffFirst, camera::CorrectionOffSecond}) {
-            ASSERT_EQ(bench.sdk->hotpixelCommand(handle, command, nullptr, 0), 0);
+            ASSERT_EQ(fixture.sdk->hotpixelCommand(handle, command, nullptr, 0), 0);
         }
-        bench.sdk->startLiveVideo(handle, camera::Wait);
+        fixture.sdk->startLiveVideo(handle, camera::Wait);
         EXPECT_GT(brightest(), dark + 40);
     }
 }
 
 TEST(SimulatedCapture, WarmthMakesHotPixelsBrighter)
 {
-    Bench bench;
-    OpenedCamera mono(*bench.sdk);
-    prepareForDarkFrames(*bench.sdk, mono, Mono);
-    const double cool = bench.sdk->control(Mono).knownHotPixels()[2].meanDn;
+    SimulatorFixture fixture;
+    OpenedCamera mono(*fixture.sdk);
+    prepareForDarkFrames(*fixture.sdk, mono, Mono);
+    const double cool = fixture.sdk->control(Mono).knownHotPixels()[2].meanDn;
     const double pedestal = 8;
-    bench.sdk->control(Mono).setTemperature(32); // seven degrees more: twice the dark current
-    EXPECT_NEAR(bench.sdk->control(Mono).knownHotPixels()[2].meanDn - pedestal,
+    fixture.sdk->control(Mono).setTemperature(32); // seven degrees more: twice the dark current
+    EXPECT_NEAR(fixture.sdk->control(Mono).knownHotPixels()[2].meanDn - pedestal,
                 2 * (cool - pedestal), 1e-9);
-    EXPECT_EQ(bench.sdk->control(Mono).temperature(), 32);
+    EXPECT_EQ(fixture.sdk->control(Mono).temperature(), 32);
 }
 
 TEST(SimulatedCapture, ColourModeZeroGivesColourPixels)
 {
-    Bench bench;
-    OpenedCamera bayer(*bench.sdk, 2);
-    ASSERT_EQ(bench.sdk->setColorMode(bayer.handle, 0), 0);
+    SimulatorFixture fixture;
+    OpenedCamera bayer(*fixture.sdk, 2);
+    ASSERT_EQ(fixture.sdk->setColorMode(bayer.handle, 0), 0);
     bayer.startLive(2, 32);
     char* memory = nullptr;
     ASSERT_TRUE(waitForEventObject(bayer.frameEvent, GenerousMsec));
-    ASSERT_EQ(bench.sdk->getFrameMemory(bayer.handle, 0, 0, &memory), 0);
+    ASSERT_EQ(fixture.sdk->getFrameMemory(bayer.handle, 0, 0, &memory), 0);
     const QImage image(reinterpret_cast<uchar*>(memory), 96, 64, QImage::Format_RGB32);
     bool coloured = false;
     for (int y = 0; y < 64; ++y) {
@@ -307,27 +307,28 @@ TEST(SimulatedCapture, ColourModeZeroGivesColourPixels)
 
 TEST(SimulatedCapture, MemoryOfAnotherDepthThanTheModeIsRefused)
 {
-    Bench bench;
-    OpenedCamera bayer(*bench.sdk, 2);
+    SimulatorFixture fixture;
+    OpenedCamera bayer(*fixture.sdk, 2);
     bayer.startLive();
-    bench.sdk->stopLiveVideo(bayer.handle, camera::Wait);
-    ASSERT_EQ(bench.sdk->setColorMode(bayer.handle, 0), 0);
-    EXPECT_EQ(bench.sdk->startLiveVideo(bayer.handle, camera::Wait), simulator::InvalidBufferSize);
+    fixture.sdk->stopLiveVideo(bayer.handle, camera::Wait);
+    ASSERT_EQ(fixture.sdk->setColorMode(bayer.handle, 0), 0);
+    EXPECT_EQ(fixture.sdk->startLiveVideo(bayer.handle, camera::Wait),
+              simulator::InvalidBufferSize);
 }
 
 TEST(SimulatedCapture, AFrameIsTheModelsFrameOfItsNumber)
 {
-    Bench bench({bench::smallMono()}, 20);
-    OpenedCamera mono(*bench.sdk);
-    bench.sdk->control(Mono).setCovered(true);
+    SimulatorFixture fixture({simulatortest::smallMono()}, 20);
+    OpenedCamera mono(*fixture.sdk);
+    fixture.sdk->control(Mono).setCovered(true);
     mono.startLive();
     const Pixels pixels = mono.nextFrame();
     ASSERT_FALSE(pixels.empty());
 
-    const SensorModel model(bench::smallMono());
+    const SensorModel model(simulatortest::smallMono());
     ModelledFrames frames(model);
     double exposureMsec = 0;
-    bench.sdk->setExposureTime(mono.handle, camera::QueryCurrentDouble, &exposureMsec);
+    fixture.sdk->setExposureTime(mono.handle, camera::QueryCurrentDouble, &exposureMsec);
     SensorSettings settings;
     settings.exposureSeconds = exposureMsec / 1000.0;
     settings.covered = true;
@@ -355,13 +356,13 @@ protected:
         m_camera.hotPixels = m_camera.factoryEntries = m_camera.userEntries = 0;
     }
     QTemporaryDir m_folder;
-    CameraDescription m_camera = bench::smallMono();
+    CameraDescription m_camera = simulatortest::smallMono();
 };
 
 TEST_F(Recorded, FramesAreAllPlayedAsTheyAre)
 {
-    Bench bench({m_camera}, 20);
-    OpenedCamera opened(*bench.sdk);
+    SimulatorFixture fixture({m_camera}, 20);
+    OpenedCamera opened(*fixture.sdk);
     opened.startLive();
     std::set<int> levels;
     while (levels.size() < 3) {
@@ -372,14 +373,14 @@ TEST_F(Recorded, FramesAreAllPlayedAsTheyAre)
         ASSERT_EQ(pixels, Pixels(96 * 64, level));
         levels.insert(level);
     }
-    EXPECT_TRUE(bench.sdk->control(Mono).knownHotPixels().empty());
+    EXPECT_TRUE(fixture.sdk->control(Mono).knownHotPixels().empty());
 }
 
 TEST_F(Recorded, FramesCanBeKeptForTheCoveredSensor)
 {
     m_camera.recordedOnlyCovered = true;
-    Bench bench({m_camera}, 20);
-    OpenedCamera opened(*bench.sdk);
+    SimulatorFixture fixture({m_camera}, 20);
+    OpenedCamera opened(*fixture.sdk);
     opened.startLive();
     const auto isRecorded = [&] {
         const Pixels pixels = opened.nextFrame();
@@ -389,7 +390,7 @@ TEST_F(Recorded, FramesCanBeKeptForTheCoveredSensor)
     for (int frame = 0; frame < 3; ++frame) {
         ASSERT_FALSE(isRecorded());
     }
-    bench.sdk->control(Mono).setCovered(true);
+    fixture.sdk->control(Mono).setCovered(true);
     while (!isRecorded()) {
         // Frames that were on their way when the cover was put on.
     }
@@ -402,16 +403,16 @@ TEST_F(Recorded, FramesThatCannotBePlayedFailTheStartWithAClearText)
     image.fill(0);
     const QString name = m_folder.filePath(QStringLiteral("2.png"));
     ASSERT_TRUE(image.save(name));
-    Bench bench({m_camera});
-    const OpenedCamera opened(*bench.sdk);
+    SimulatorFixture fixture({m_camera});
+    const OpenedCamera opened(*fixture.sdk);
     OpenedCamera::Memory memory;
-    ASSERT_EQ(bench.sdk->allocImageMemory(opened.handle, 96, 64, 8, &memory.pointer, &memory.id),
+    ASSERT_EQ(fixture.sdk->allocImageMemory(opened.handle, 96, 64, 8, &memory.pointer, &memory.id),
               0);
-    ASSERT_EQ(bench.sdk->addToSequence(opened.handle, memory.pointer, memory.id), 0);
-    std::int32_t code = bench.sdk->startLiveVideo(opened.handle, camera::DontWait);
+    ASSERT_EQ(fixture.sdk->addToSequence(opened.handle, memory.pointer, memory.id), 0);
+    std::int32_t code = fixture.sdk->startLiveVideo(opened.handle, camera::DontWait);
     EXPECT_EQ(code, simulator::RecordedFramesUnusable);
     char* text = nullptr;
-    ASSERT_EQ(bench.sdk->getError(opened.handle, &code, &text), 0);
+    ASSERT_EQ(fixture.sdk->getError(opened.handle, &code, &text), 0);
     EXPECT_EQ(QString::fromUtf8(text), QStringLiteral("The recorded frames can't be played. "
                                                       "(%1: 95 x 64 pixels instead of 96 x 64)")
                                            .arg(name));
@@ -423,16 +424,16 @@ TEST(BuiltInBus, EveryCameraIsDarkUnderItsCoverAtTheLongestExposure)
     for (CameraDescription& camera : bus.cameras) {
         camera.heldElsewhere = camera.firmwareUpload = false;
     }
-    Bench bench(bus.cameras, 1000);
+    SimulatorFixture fixture(bus.cameras, 1000);
     for (const CameraDescription& description : bus.cameras) {
-        OpenedCamera opened(*bench.sdk, description.devId);
-        bench.sdk->control(description.serial).setCovered(true);
+        OpenedCamera opened(*fixture.sdk, description.devId);
+        fixture.sdk->control(description.serial).setCovered(true);
         double actual = 0;
-        bench.sdk->setPixelClock(opened.handle, description.pixelClockMin);
-        bench.sdk->setFrameRate(opened.handle, 1e-9, &actual);
-        bench.sdk->setExposureTime(opened.handle, 1e9, &actual);
+        fixture.sdk->setPixelClock(opened.handle, description.pixelClockMin);
+        fixture.sdk->setFrameRate(opened.handle, 1e-9, &actual);
+        fixture.sdk->setExposureTime(opened.handle, 1e9, &actual);
         EXPECT_GT(actual, 1000);
-        bench.sdk->setHardwareGain(opened.handle, 50, -1, -1, -1);
+        fixture.sdk->setHardwareGain(opened.handle, 50, -1, -1, -1);
         opened.startLive();
         const Pixels pixels = opened.nextFrame();
         ASSERT_FALSE(pixels.empty());
@@ -445,27 +446,27 @@ TEST(BuiltInBus, EveryCameraIsDarkUnderItsCoverAtTheLongestExposure)
 
 TEST(BuiltInBus, SomeCamerasNeedASlowerClockForOneFramePerSecond)
 {
-    Bench bench(simulator::builtInBus().cameras, 1000);
+    SimulatorFixture fixture(simulator::builtInBus().cameras, 1000);
     int needsSlower = 0;
-    for (const CameraDescription& description : bench.bus.cameras) {
-        bench.sdk->control(description.serial).setHeldElsewhere(false);
+    for (const CameraDescription& description : fixture.bus.cameras) {
+        fixture.sdk->control(description.serial).setHeldElsewhere(false);
         CameraSdk::Handle handle = description.devId | camera::OpenWithFirmwareUpload;
-        ASSERT_EQ(bench.sdk->initCamera(&handle, nullptr), 0);
+        ASSERT_EQ(fixture.sdk->initCamera(&handle, nullptr), 0);
         double least = 0;
         double most = 0;
         double step = 0;
-        ASSERT_EQ(bench.sdk->getFrameTimeRange(handle, &least, &most, &step), 0);
+        ASSERT_EQ(fixture.sdk->getFrameTimeRange(handle, &least, &most, &step), 0);
         EXPECT_LE(least, 0.5) << "two frames per second at the default clock";
         int clock = description.pixelClockDefault;
         while (most < 1.0) {
             ++needsSlower;
             clock /= 2;
             ASSERT_GT(clock, description.pixelClockMin);
-            ASSERT_EQ(bench.sdk->setPixelClock(handle, clock), 0);
-            ASSERT_EQ(bench.sdk->getFrameTimeRange(handle, &least, &most, &step), 0);
+            ASSERT_EQ(fixture.sdk->setPixelClock(handle, clock), 0);
+            ASSERT_EQ(fixture.sdk->getFrameTimeRange(handle, &least, &most, &step), 0);
         }
         double actual = 0;
-        ASSERT_EQ(bench.sdk->setFrameRate(handle, 1.0, &actual), 0);
+        ASSERT_EQ(fixture.sdk->setFrameRate(handle, 1.0, &actual), 0);
         EXPECT_NEAR(actual, 1.0, 0.001);
     }
     EXPECT_GT(needsSlower, 0);

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/SdkErrors.h"
-#include "tests/simulator/SimulatedBench.h"
+#include "tests/simulator/SimulatorFixture.h"
 
-using bench::Bench;
-using bench::GenerousMsec;
-using bench::OpenedCamera;
+using simulatortest::GenerousMsec;
+using simulatortest::OpenedCamera;
+using simulatortest::SimulatorFixture;
 
 namespace {
 
@@ -21,20 +21,20 @@ EventHandle bound(CameraSdk& sdk, CameraSdk::Handle handle, std::int32_t id)
 
 TEST(SimulatedEvents, PullingACableSignalsTheCameraAndTheBus)
 {
-    Bench bench;
-    const OpenedCamera opened(*bench.sdk);
-    EventHandle removed = bound(*bench.sdk, opened.handle, camera::EventRemoved);
-    EventHandle reconnected = bound(*bench.sdk, opened.handle, camera::EventReconnected);
-    EventHandle deviceRemoved = bound(*bench.sdk, 0, camera::EventDeviceRemoved);
-    EventHandle deviceNew = bound(*bench.sdk, 0, camera::EventDeviceNew);
+    SimulatorFixture fixture;
+    const OpenedCamera opened(*fixture.sdk);
+    EventHandle removed = bound(*fixture.sdk, opened.handle, camera::EventRemoved);
+    EventHandle reconnected = bound(*fixture.sdk, opened.handle, camera::EventReconnected);
+    EventHandle deviceRemoved = bound(*fixture.sdk, 0, camera::EventDeviceRemoved);
+    EventHandle deviceNew = bound(*fixture.sdk, 0, camera::EventDeviceNew);
 
-    bench.sdk->control(Mono).setPlugged(false);
+    fixture.sdk->control(Mono).setPlugged(false);
     EXPECT_TRUE(waitForEventObject(removed, GenerousMsec));
     EXPECT_TRUE(waitForEventObject(deviceRemoved, GenerousMsec));
     EXPECT_FALSE(waitForEventObject(reconnected, 0));
     EXPECT_FALSE(waitForEventObject(deviceNew, 0));
 
-    bench.sdk->control(Mono).setPlugged(true);
+    fixture.sdk->control(Mono).setPlugged(true);
     EXPECT_TRUE(waitForEventObject(reconnected, GenerousMsec));
     EXPECT_TRUE(waitForEventObject(deviceNew, GenerousMsec));
     EXPECT_FALSE(waitForEventObject(removed, 0));
@@ -43,83 +43,83 @@ TEST(SimulatedEvents, PullingACableSignalsTheCameraAndTheBus)
 
 TEST(SimulatedEvents, ACableThatIsAlreadyThereSignalsNothing)
 {
-    Bench bench;
-    EventHandle deviceNew = bound(*bench.sdk, 0, camera::EventDeviceNew);
-    bench.sdk->control(Mono).setPlugged(true);
+    SimulatorFixture fixture;
+    EventHandle deviceNew = bound(*fixture.sdk, 0, camera::EventDeviceNew);
+    fixture.sdk->control(Mono).setPlugged(true);
     EXPECT_FALSE(waitForEventObject(deviceNew, 0));
 }
 
 TEST(SimulatedEvents, OtherCamerasAreNotConcerned)
 {
-    Bench bench;
-    const OpenedCamera bayer(*bench.sdk, 2);
-    EventHandle removed = bound(*bench.sdk, bayer.handle, camera::EventRemoved);
-    bench.sdk->control(Mono).setPlugged(false);
+    SimulatorFixture fixture;
+    const OpenedCamera bayer(*fixture.sdk, 2);
+    EventHandle removed = bound(*fixture.sdk, bayer.handle, camera::EventRemoved);
+    fixture.sdk->control(Mono).setPlugged(false);
     EXPECT_FALSE(waitForEventObject(removed, 0));
 }
 
 TEST(SimulatedEvents, OnlyEnabledOnesAreSignalled)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     EventHandle event = createEventObject();
-    ASSERT_EQ(bench.sdk->initEvent(0, event, camera::EventDeviceRemoved), 0);
-    bench.sdk->control(Mono).setPlugged(false);
+    ASSERT_EQ(fixture.sdk->initEvent(0, event, camera::EventDeviceRemoved), 0);
+    fixture.sdk->control(Mono).setPlugged(false);
     EXPECT_FALSE(waitForEventObject(event, 0)) << "not enabled yet";
 
-    bench.sdk->control(Mono).setPlugged(true);
-    ASSERT_EQ(bench.sdk->enableEvent(0, camera::EventDeviceRemoved), 0);
-    bench.sdk->control(Mono).setPlugged(false);
+    fixture.sdk->control(Mono).setPlugged(true);
+    ASSERT_EQ(fixture.sdk->enableEvent(0, camera::EventDeviceRemoved), 0);
+    fixture.sdk->control(Mono).setPlugged(false);
     EXPECT_TRUE(waitForEventObject(event, GenerousMsec));
 
-    bench.sdk->control(Mono).setPlugged(true);
-    ASSERT_EQ(bench.sdk->disableEvent(0, camera::EventDeviceRemoved), 0);
-    bench.sdk->control(Mono).setPlugged(false);
+    fixture.sdk->control(Mono).setPlugged(true);
+    ASSERT_EQ(fixture.sdk->disableEvent(0, camera::EventDeviceRemoved), 0);
+    fixture.sdk->control(Mono).setPlugged(false);
     EXPECT_FALSE(waitForEventObject(event, 0)) << "disabled again";
 }
 
 TEST(SimulatedEvents, ANewBindingReplacesTheOld)
 {
-    Bench bench;
-    EventHandle old = bound(*bench.sdk, 0, camera::EventDeviceRemoved);
-    EventHandle fresh = bound(*bench.sdk, 0, camera::EventDeviceRemoved);
-    EXPECT_EQ(bench.sdk->boundEvents(), 1);
-    bench.sdk->control(Mono).setPlugged(false);
+    SimulatorFixture fixture;
+    EventHandle old = bound(*fixture.sdk, 0, camera::EventDeviceRemoved);
+    EventHandle fresh = bound(*fixture.sdk, 0, camera::EventDeviceRemoved);
+    EXPECT_EQ(fixture.sdk->boundEvents(), 1);
+    fixture.sdk->control(Mono).setPlugged(false);
     EXPECT_TRUE(waitForEventObject(fresh, GenerousMsec));
     EXPECT_FALSE(waitForEventObject(old, 0));
 }
 
 TEST(SimulatedEvents, WithoutABindingThereIsNothingToSwitch)
 {
-    Bench bench;
-    const OpenedCamera opened(*bench.sdk);
+    SimulatorFixture fixture;
+    const OpenedCamera opened(*fixture.sdk);
     for (const CameraSdk::Handle handle : {CameraSdk::Handle{0}, opened.handle}) {
         const std::int32_t id = handle == 0 ? camera::EventDeviceNew : camera::EventFrame;
-        EXPECT_EQ(bench.sdk->enableEvent(handle, id), simulator::EventNotBound);
-        EXPECT_EQ(bench.sdk->disableEvent(handle, id), simulator::EventNotBound);
-        EXPECT_EQ(bench.sdk->exitEvent(handle, id), simulator::EventNotBound);
+        EXPECT_EQ(fixture.sdk->enableEvent(handle, id), simulator::EventNotBound);
+        EXPECT_EQ(fixture.sdk->disableEvent(handle, id), simulator::EventNotBound);
+        EXPECT_EQ(fixture.sdk->exitEvent(handle, id), simulator::EventNotBound);
     }
 }
 
 TEST(SimulatedEvents, ThatDoNotExistAreRefused)
 {
-    Bench bench;
-    const OpenedCamera opened(*bench.sdk);
+    SimulatorFixture fixture;
+    const OpenedCamera opened(*fixture.sdk);
     EventHandle event = createEventObject();
-    EXPECT_EQ(bench.sdk->initEvent(opened.handle, event, 3), simulator::InvalidParameter);
-    EXPECT_EQ(bench.sdk->initEvent(opened.handle, event, camera::EventDeviceNew),
+    EXPECT_EQ(fixture.sdk->initEvent(opened.handle, event, 3), simulator::InvalidParameter);
+    EXPECT_EQ(fixture.sdk->initEvent(opened.handle, event, camera::EventDeviceNew),
               simulator::InvalidParameter);
-    EXPECT_EQ(bench.sdk->initEvent(0, event, camera::EventFrame), simulator::InvalidParameter);
+    EXPECT_EQ(fixture.sdk->initEvent(0, event, camera::EventFrame), simulator::InvalidParameter);
 }
 
 TEST(SimulatedEvents, ClosingReleasesTheCamerasBindings)
 {
-    Bench bench;
-    bound(*bench.sdk, 0, camera::EventDeviceNew);
-    OpenedCamera opened(*bench.sdk);
-    bound(*bench.sdk, opened.handle, camera::EventRemoved);
-    EXPECT_EQ(bench.sdk->boundEvents(), 2);
+    SimulatorFixture fixture;
+    bound(*fixture.sdk, 0, camera::EventDeviceNew);
+    OpenedCamera opened(*fixture.sdk);
+    bound(*fixture.sdk, opened.handle, camera::EventRemoved);
+    EXPECT_EQ(fixture.sdk->boundEvents(), 2);
     opened.close();
-    EXPECT_EQ(bench.sdk->boundEvents(), 1);
+    EXPECT_EQ(fixture.sdk->boundEvents(), 1);
 }
 
 } // namespace

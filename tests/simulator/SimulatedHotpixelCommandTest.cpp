@@ -1,18 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/SdkErrors.h"
-#include "tests/simulator/SimulatedBench.h"
+#include "tests/simulator/SimulatorFixture.h"
 
 #include <QFile>
 
-using bench::Bench;
-using bench::listBuffer;
-using bench::OpenedCamera;
-using bench::readList;
-using bench::sizeOf;
+using listbuffer::sizeOf;
+using simulatortest::OpenedCamera;
+using simulatortest::readList;
+using simulatortest::SimulatorFixture;
 
 namespace {
 
-using Words = std::vector<std::uint16_t>;
+using Words = listbuffer::Words;
 
 const QString Mono = QStringLiteral("M1");
 
@@ -23,14 +22,14 @@ std::int32_t writeUserList(CameraSdk& sdk, CameraSdk::Handle handle, Words words
 
 TEST(SimulatedLists, OfANewCameraHoldSomeOfItsHotPixels)
 {
-    Bench bench;
-    const OpenedCamera mono(*bench.sdk);
-    const Words factory = readList(*bench.sdk, mono.handle, false);
-    const Words user = readList(*bench.sdk, mono.handle, true);
+    SimulatorFixture fixture;
+    const OpenedCamera mono(*fixture.sdk);
+    const Words factory = readList(*fixture.sdk, mono.handle, false);
+    const Words user = readList(*fixture.sdk, mono.handle, true);
     EXPECT_EQ(factory.size(), 4U);
     EXPECT_EQ(user.size(), 2U);
     const auto isHot = [&](std::uint16_t x, std::uint16_t y) {
-        for (const KnownHotPixel& pixel : bench.sdk->control(Mono).knownHotPixels()) {
+        for (const KnownHotPixel& pixel : fixture.sdk->control(Mono).knownHotPixels()) {
             if (pixel.x == x && pixel.y == y) {
                 return true;
             }
@@ -44,54 +43,55 @@ TEST(SimulatedLists, OfANewCameraHoldSomeOfItsHotPixels)
 
 TEST(SimulatedLists, AreReadBackAfterTheNextStart)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     Words factory;
     {
-        const OpenedCamera mono(*bench.sdk);
-        factory = readList(*bench.sdk, mono.handle, false);
-        ASSERT_EQ(writeUserList(*bench.sdk, mono.handle, listBuffer({1, 2, 3, 4, 96, 70})), 0);
+        const OpenedCamera mono(*fixture.sdk);
+        factory = readList(*fixture.sdk, mono.handle, false);
+        ASSERT_EQ(
+            writeUserList(*fixture.sdk, mono.handle, listbuffer::encode({1, 2, 3, 4, 96, 70})), 0);
     }
-    bench.restart();
-    const OpenedCamera mono(*bench.sdk);
-    EXPECT_EQ(readList(*bench.sdk, mono.handle, true), (Words{1, 2, 3, 4, 96, 70}));
-    EXPECT_EQ(readList(*bench.sdk, mono.handle, false), factory);
+    fixture.restart();
+    const OpenedCamera mono(*fixture.sdk);
+    EXPECT_EQ(readList(*fixture.sdk, mono.handle, true), (Words{1, 2, 3, 4, 96, 70}));
+    EXPECT_EQ(readList(*fixture.sdk, mono.handle, false), factory);
 }
 
 TEST(SimulatedLists, OfTheUserCanBeEmptiedInTwoWays)
 {
-    Bench bench;
-    const OpenedCamera mono(*bench.sdk);
-    const Words factory = readList(*bench.sdk, mono.handle, false);
-    ASSERT_EQ(bench.sdk->hotpixelCommand(mono.handle, camera::DeleteUserList, nullptr, 0), 0);
-    EXPECT_EQ(readList(*bench.sdk, mono.handle, true), Words());
-    ASSERT_EQ(writeUserList(*bench.sdk, mono.handle, listBuffer({5, 5})), 0);
-    ASSERT_EQ(writeUserList(*bench.sdk, mono.handle, listBuffer({})), 0);
-    EXPECT_EQ(readList(*bench.sdk, mono.handle, true), Words());
-    EXPECT_EQ(readList(*bench.sdk, mono.handle, false), factory);
+    SimulatorFixture fixture;
+    const OpenedCamera mono(*fixture.sdk);
+    const Words factory = readList(*fixture.sdk, mono.handle, false);
+    ASSERT_EQ(fixture.sdk->hotpixelCommand(mono.handle, camera::DeleteUserList, nullptr, 0), 0);
+    EXPECT_EQ(readList(*fixture.sdk, mono.handle, true), Words());
+    ASSERT_EQ(writeUserList(*fixture.sdk, mono.handle, listbuffer::encode({5, 5})), 0);
+    ASSERT_EQ(writeUserList(*fixture.sdk, mono.handle, listbuffer::encode({})), 0);
+    EXPECT_EQ(readList(*fixture.sdk, mono.handle, true), Words());
+    EXPECT_EQ(readList(*fixture.sdk, mono.handle, false), factory);
 }
 
 TEST(SimulatedLists, HaveRoomForAsManyEntriesAsTheyShow)
 {
-    Bench bench;
-    const OpenedCamera mono(*bench.sdk);
+    SimulatorFixture fixture;
+    const OpenedCamera mono(*fixture.sdk);
     std::int32_t most = 0;
-    ASSERT_EQ(bench.sdk->hotpixelCommand(mono.handle, camera::GetMaxUserEntries, &most, 4), 0);
+    ASSERT_EQ(fixture.sdk->hotpixelCommand(mono.handle, camera::GetMaxUserEntries, &most, 4), 0);
     ASSERT_EQ(most, 8);
-    const Words before = readList(*bench.sdk, mono.handle, true);
-    EXPECT_EQ(writeUserList(*bench.sdk, mono.handle, listBuffer(Words(18, 3))),
+    const Words before = readList(*fixture.sdk, mono.handle, true);
+    EXPECT_EQ(writeUserList(*fixture.sdk, mono.handle, listbuffer::encode(Words(18, 3))),
               simulator::ListTooLong);
-    EXPECT_EQ(readList(*bench.sdk, mono.handle, true), before);
-    EXPECT_EQ(writeUserList(*bench.sdk, mono.handle, listBuffer(Words(16, 3))), 0);
-    EXPECT_EQ(readList(*bench.sdk, mono.handle, true), Words(16, 3));
+    EXPECT_EQ(readList(*fixture.sdk, mono.handle, true), before);
+    EXPECT_EQ(writeUserList(*fixture.sdk, mono.handle, listbuffer::encode(Words(16, 3))), 0);
+    EXPECT_EQ(readList(*fixture.sdk, mono.handle, true), Words(16, 3));
 }
 
 TEST(SimulatedLists, BuffersOfAnotherSizeAreRefused)
 {
-    Bench bench;
-    const OpenedCamera mono(*bench.sdk);
-    SimulatedCameraSdk& sdk = *bench.sdk;
+    SimulatorFixture fixture;
+    const OpenedCamera mono(*fixture.sdk);
+    SimulatedCameraSdk& sdk = *fixture.sdk;
     const CameraSdk::Handle handle = mono.handle;
-    Words words = listBuffer({1, 2, 3, 4});
+    Words words = listbuffer::encode({1, 2, 3, 4});
     for (const std::int32_t command :
          {camera::GetFactoryCount, camera::GetUserCount, camera::GetMaxUserEntries}) {
         for (const std::int32_t size : {-1, 0, 2, 5, 8}) {
@@ -121,10 +121,10 @@ TEST(SimulatedLists, BuffersOfAnotherSizeAreRefused)
 
 TEST(SimulatedLists, UnknownCommandsAreRefused)
 {
-    Bench bench;
-    const OpenedCamera mono(*bench.sdk);
+    SimulatorFixture fixture;
+    const OpenedCamera mono(*fixture.sdk);
     for (const std::int32_t command : {-1, 3, 33030, 33033, 33039}) {
-        EXPECT_EQ(bench.sdk->hotpixelCommand(mono.handle, command, nullptr, 0),
+        EXPECT_EQ(fixture.sdk->hotpixelCommand(mono.handle, command, nullptr, 0),
                   simulator::InvalidParameter)
             << command;
     }
@@ -132,16 +132,16 @@ TEST(SimulatedLists, UnknownCommandsAreRefused)
 
 TEST(SimulatedLists, TheLongestOnesGoThrough)
 {
-    CameraDescription camera = bench::smallMono();
+    CameraDescription camera = simulatortest::smallMono();
     camera.userCapacity = 65535;
-    Bench bench({camera});
-    const OpenedCamera mono(*bench.sdk);
+    SimulatorFixture fixture({camera});
+    const OpenedCamera mono(*fixture.sdk);
     Words coordinates(2 * 65535);
     for (std::size_t i = 0; i < coordinates.size(); ++i) {
         coordinates[i] = static_cast<std::uint16_t>(i);
     }
-    ASSERT_EQ(writeUserList(*bench.sdk, mono.handle, listBuffer(coordinates)), 0);
-    EXPECT_EQ(readList(*bench.sdk, mono.handle, true), coordinates);
+    ASSERT_EQ(writeUserList(*fixture.sdk, mono.handle, listbuffer::encode(coordinates)), 0);
+    EXPECT_EQ(readList(*fixture.sdk, mono.handle, true), coordinates);
 }
 
 class DamagedEeprom : public ::testing::Test
@@ -149,25 +149,25 @@ class DamagedEeprom : public ::testing::Test
 protected:
     DamagedEeprom()
     {
-        QDir().mkpath(m_bench.bus.eepromFolder);
+        QDir().mkpath(m_fixture.bus.eepromFolder);
         QFile file(m_fileName);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write("scrambled");
     }
-    Bench m_bench;
-    QString m_fileName = m_bench.sdk->control(Mono).eepromFileName();
+    SimulatorFixture m_fixture;
+    QString m_fileName = m_fixture.sdk->control(Mono).eepromFileName();
 };
 
 TEST_F(DamagedEeprom, IsReportedAndLeftAsItIs)
 {
-    const OpenedCamera mono(*m_bench.sdk);
+    const OpenedCamera mono(*m_fixture.sdk);
     std::int32_t count = 77;
     std::int32_t result =
-        m_bench.sdk->hotpixelCommand(mono.handle, camera::GetUserCount, &count, 4);
+        m_fixture.sdk->hotpixelCommand(mono.handle, camera::GetUserCount, &count, 4);
     EXPECT_EQ(result, simulator::EepromDamaged);
     EXPECT_EQ(count, 77);
     char* text = nullptr;
-    ASSERT_EQ(m_bench.sdk->getError(mono.handle, &result, &text), 0);
+    ASSERT_EQ(m_fixture.sdk->getError(mono.handle, &result, &text), 0);
     EXPECT_EQ(QString::fromUtf8(text),
               QStringLiteral("The camera's EEPROM is damaged. (%1: the EEPROM file is damaged)")
                   .arg(m_fileName));
@@ -178,10 +178,10 @@ TEST_F(DamagedEeprom, IsReportedAndLeftAsItIs)
 
 TEST_F(DamagedEeprom, IsKeptAsideByTheNextWrite)
 {
-    const OpenedCamera mono(*m_bench.sdk);
-    ASSERT_EQ(writeUserList(*m_bench.sdk, mono.handle, listBuffer({4, 5})), 0);
-    EXPECT_EQ(readList(*m_bench.sdk, mono.handle, true), (Words{4, 5}));
-    EXPECT_EQ(readList(*m_bench.sdk, mono.handle, false).size(), 4U);
+    const OpenedCamera mono(*m_fixture.sdk);
+    ASSERT_EQ(writeUserList(*m_fixture.sdk, mono.handle, listbuffer::encode({4, 5})), 0);
+    EXPECT_EQ(readList(*m_fixture.sdk, mono.handle, true), (Words{4, 5}));
+    EXPECT_EQ(readList(*m_fixture.sdk, mono.handle, false).size(), 4U);
     QFile aside(m_fileName + QStringLiteral(".damaged-1"));
     ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
     EXPECT_EQ(aside.readAll(), "scrambled");
@@ -189,15 +189,15 @@ TEST_F(DamagedEeprom, IsKeptAsideByTheNextWrite)
 
 TEST(SimulatedEeprom, ThatCannotBeWrittenIsReportedAndTheCameraWorks)
 {
-    Bench bench;
-    QFile notAFolder(bench.bus.eepromFolder);
+    SimulatorFixture fixture;
+    QFile notAFolder(fixture.bus.eepromFolder);
     ASSERT_TRUE(notAFolder.open(QIODevice::WriteOnly));
-    const OpenedCamera mono(*bench.sdk);
-    const Words before = readList(*bench.sdk, mono.handle, true);
+    const OpenedCamera mono(*fixture.sdk);
+    const Words before = readList(*fixture.sdk, mono.handle, true);
     EXPECT_EQ(before.size(), 2U);
-    EXPECT_EQ(writeUserList(*bench.sdk, mono.handle, listBuffer({4, 5})),
+    EXPECT_EQ(writeUserList(*fixture.sdk, mono.handle, listbuffer::encode({4, 5})),
               simulator::EepromNotWritten);
-    EXPECT_EQ(readList(*bench.sdk, mono.handle, true), before);
+    EXPECT_EQ(readList(*fixture.sdk, mono.handle, true), before);
 }
 
 } // namespace

@@ -1,52 +1,52 @@
 // SPDX-License-Identifier: MIT
 #include "simulator/SdkErrors.h"
-#include "tests/simulator/SimulatedBench.h"
+#include "tests/simulator/SimulatorFixture.h"
 
 #include <QFile>
 
 #include <limits>
 
-using bench::Bench;
-using bench::OpenedCamera;
+using simulatortest::OpenedCamera;
+using simulatortest::SimulatorFixture;
 
 namespace {
 
 TEST(SimulatedColorModes, AMonoCameraStaysMono)
 {
-    Bench bench;
-    const OpenedCamera mono(*bench.sdk, 1);
-    EXPECT_EQ(bench.sdk->setColorMode(mono.handle, camera::QueryCurrent), 6);
-    EXPECT_EQ(bench.sdk->setColorMode(mono.handle, 11), 0);
-    EXPECT_EQ(bench.sdk->setColorMode(mono.handle, camera::QueryCurrent), 6);
+    SimulatorFixture fixture;
+    const OpenedCamera mono(*fixture.sdk, 1);
+    EXPECT_EQ(fixture.sdk->setColorMode(mono.handle, camera::QueryCurrent), 6);
+    EXPECT_EQ(fixture.sdk->setColorMode(mono.handle, 11), 0);
+    EXPECT_EQ(fixture.sdk->setColorMode(mono.handle, camera::QueryCurrent), 6);
 }
 
 TEST(SimulatedColorModes, ABayerCameraHasThemAll)
 {
-    Bench bench;
-    const OpenedCamera bayer(*bench.sdk, 2);
-    EXPECT_EQ(bench.sdk->setColorMode(bayer.handle, camera::QueryCurrent), 11);
+    SimulatorFixture fixture;
+    const OpenedCamera bayer(*fixture.sdk, 2);
+    EXPECT_EQ(fixture.sdk->setColorMode(bayer.handle, camera::QueryCurrent), 11);
     for (const std::int32_t mode : {6, 0, 11}) {
-        EXPECT_EQ(bench.sdk->setColorMode(bayer.handle, mode), 0);
-        EXPECT_EQ(bench.sdk->setColorMode(bayer.handle, camera::QueryCurrent), mode);
+        EXPECT_EQ(fixture.sdk->setColorMode(bayer.handle, mode), 0);
+        EXPECT_EQ(fixture.sdk->setColorMode(bayer.handle, camera::QueryCurrent), mode);
     }
 }
 
 TEST(SimulatedColorModes, OthersAreRefused)
 {
-    Bench bench;
-    const OpenedCamera bayer(*bench.sdk, 2);
+    SimulatorFixture fixture;
+    const OpenedCamera bayer(*fixture.sdk, 2);
     for (const std::int32_t mode : {-1, 1, 12, 0x8001}) {
-        EXPECT_EQ(bench.sdk->setColorMode(bayer.handle, mode), simulator::InvalidColorMode);
+        EXPECT_EQ(fixture.sdk->setColorMode(bayer.handle, mode), simulator::InvalidColorMode);
     }
-    EXPECT_EQ(bench.sdk->setColorMode(bayer.handle, camera::QueryCurrent), 11);
+    EXPECT_EQ(fixture.sdk->setColorMode(bayer.handle, camera::QueryCurrent), 11);
 }
 
 TEST(SimulatedParameters, HaveTheirRangesDefaultsAndQueries)
 {
-    Bench bench;
-    const OpenedCamera mono(*bench.sdk);
+    SimulatorFixture fixture;
+    const OpenedCamera mono(*fixture.sdk);
     const CameraSdk::Handle handle = mono.handle;
-    SimulatedCameraSdk& sdk = *bench.sdk;
+    SimulatedCameraSdk& sdk = *fixture.sdk;
     std::int32_t least = 0;
     std::int32_t most = 0;
     ASSERT_EQ(sdk.getPixelClockRange(handle, &least, &most), 0);
@@ -95,10 +95,10 @@ TEST(SimulatedParameters, HaveTheirRangesDefaultsAndQueries)
 
 TEST(SimulatedParameters, GainsAreKeptSetOrRefusedTogether)
 {
-    Bench bench;
-    const OpenedCamera bayer(*bench.sdk, 2);
+    SimulatorFixture fixture;
+    const OpenedCamera bayer(*fixture.sdk, 2);
     const CameraSdk::Handle handle = bayer.handle;
-    SimulatedCameraSdk& sdk = *bench.sdk;
+    SimulatedCameraSdk& sdk = *fixture.sdk;
     EXPECT_EQ(sdk.setHardwareGain(handle, camera::QueryCurrent, -1, -1, -1), 0);
     EXPECT_EQ(sdk.setHardwareGain(handle, 50, -1, -1, -1), 0);
     EXPECT_EQ(sdk.setHardwareGain(handle, -1, 10, 20, 30), 0);
@@ -110,21 +110,21 @@ TEST(SimulatedParameters, GainsAreKeptSetOrRefusedTogether)
 
 TEST(SimulatedParameters, AreTheDefaultsAgainAfterTheNextOpening)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     {
-        const OpenedCamera mono(*bench.sdk);
+        const OpenedCamera mono(*fixture.sdk);
         double actual = 0;
-        bench.sdk->setPixelClock(mono.handle, 10);
-        bench.sdk->setHardwareGain(mono.handle, 50, -1, -1, -1);
-        bench.sdk->setExposureTime(mono.handle, 1.0, &actual);
+        fixture.sdk->setPixelClock(mono.handle, 10);
+        fixture.sdk->setHardwareGain(mono.handle, 50, -1, -1, -1);
+        fixture.sdk->setExposureTime(mono.handle, 1.0, &actual);
     }
-    const OpenedCamera mono(*bench.sdk);
+    const OpenedCamera mono(*fixture.sdk);
     double exposure = 0;
     double standard = 0;
-    EXPECT_EQ(bench.sdk->setPixelClock(mono.handle, camera::QueryCurrent), 2);
-    EXPECT_EQ(bench.sdk->setHardwareGain(mono.handle, camera::QueryCurrent, -1, -1, -1), 0);
-    bench.sdk->setExposureTime(mono.handle, camera::QueryCurrentDouble, &exposure);
-    bench.sdk->setExposureTime(mono.handle, camera::QueryDefaultDouble, &standard);
+    EXPECT_EQ(fixture.sdk->setPixelClock(mono.handle, camera::QueryCurrent), 2);
+    EXPECT_EQ(fixture.sdk->setHardwareGain(mono.handle, camera::QueryCurrent, -1, -1, -1), 0);
+    fixture.sdk->setExposureTime(mono.handle, camera::QueryCurrentDouble, &exposure);
+    fixture.sdk->setExposureTime(mono.handle, camera::QueryDefaultDouble, &standard);
     EXPECT_DOUBLE_EQ(exposure, standard);
 }
 
@@ -133,23 +133,23 @@ class ParameterFile : public ::testing::Test
 protected:
     std::int32_t load(const QByteArray& text)
     {
-        QFile file(m_bench.folder.filePath(QStringLiteral("parameters%1.ini").arg(++m_files)));
+        QFile file(m_fixture.folder.filePath(QStringLiteral("parameters%1.ini").arg(++m_files)));
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(text);
         file.close();
-        return m_bench.sdk->loadParameters(m_mono.handle,
-                                           QFile::encodeName(file.fileName()).constData());
+        return m_fixture.sdk->loadParameters(m_mono.handle,
+                                             QFile::encodeName(file.fileName()).constData());
     }
     int m_files = 0;
-    Bench m_bench;
-    OpenedCamera m_mono{*m_bench.sdk};
+    SimulatorFixture m_fixture;
+    OpenedCamera m_mono{*m_fixture.sdk};
 };
 
 TEST_F(ParameterFile, ThatCannotBeOpenedIsReported)
 {
-    const QByteArray folder = QFile::encodeName(m_bench.folder.path());
-    EXPECT_EQ(m_bench.sdk->loadParameters(m_mono.handle, "/no/such/file"), camera::FileNotOpened);
-    EXPECT_EQ(m_bench.sdk->loadParameters(m_mono.handle, folder.constData()),
+    const QByteArray folder = QFile::encodeName(m_fixture.folder.path());
+    EXPECT_EQ(m_fixture.sdk->loadParameters(m_mono.handle, "/no/such/file"), camera::FileNotOpened);
+    EXPECT_EQ(m_fixture.sdk->loadParameters(m_mono.handle, folder.constData()),
               camera::FileNotOpened);
 }
 
@@ -158,10 +158,10 @@ TEST_F(ParameterFile, SetsWhatItHolds)
     ASSERT_EQ(load("pixelClock=4\nframeRate=20\nexposure=5\nmasterGain=33\n"), 0);
     double exposure = 0;
     double rate = 0;
-    EXPECT_EQ(m_bench.sdk->setPixelClock(m_mono.handle, camera::QueryCurrent), 4);
-    EXPECT_EQ(m_bench.sdk->setHardwareGain(m_mono.handle, camera::QueryCurrent, -1, -1, -1), 33);
-    m_bench.sdk->setExposureTime(m_mono.handle, camera::QueryCurrentDouble, &exposure);
-    m_bench.sdk->getFramesPerSecond(m_mono.handle, &rate);
+    EXPECT_EQ(m_fixture.sdk->setPixelClock(m_mono.handle, camera::QueryCurrent), 4);
+    EXPECT_EQ(m_fixture.sdk->setHardwareGain(m_mono.handle, camera::QueryCurrent, -1, -1, -1), 33);
+    m_fixture.sdk->setExposureTime(m_mono.handle, camera::QueryCurrentDouble, &exposure);
+    m_fixture.sdk->getFramesPerSecond(m_mono.handle, &rate);
     EXPECT_NEAR(exposure, 5.0, 0.124);
     EXPECT_NEAR(rate, 20.0, 0.1);
     EXPECT_EQ(load(""), 0) << "an empty file sets nothing";
@@ -173,8 +173,9 @@ TEST_F(ParameterFile, ThatHoldsAnythingWrongSetsNothing)
          {"pixelClock=4\nmasterGain=101\n", "pixelClock=1000\nmasterGain=9\n", "nonsense=1\n",
           "masterGain=ten\n", "frameRate=0\n", "exposure=-1\n", "exposure=nan\n"}) {
         EXPECT_EQ(load(text), simulator::InvalidParameterFile) << text;
-        EXPECT_EQ(m_bench.sdk->setPixelClock(m_mono.handle, camera::QueryCurrent), 2) << text;
-        EXPECT_EQ(m_bench.sdk->setHardwareGain(m_mono.handle, camera::QueryCurrent, -1, -1, -1), 0)
+        EXPECT_EQ(m_fixture.sdk->setPixelClock(m_mono.handle, camera::QueryCurrent), 2) << text;
+        EXPECT_EQ(m_fixture.sdk->setHardwareGain(m_mono.handle, camera::QueryCurrent, -1, -1, -1),
+                  0)
             << text;
     }
 }

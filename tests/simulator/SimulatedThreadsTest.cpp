@@ -1,19 +1,19 @@
 // SPDX-License-Identifier: MIT
-#include "tests/simulator/SimulatedBench.h"
+#include "tests/simulator/SimulatorFixture.h"
 
 #include <atomic>
 #include <thread>
 
-using bench::Bench;
-using bench::GenerousMsec;
-using bench::OpenedCamera;
+using simulatortest::GenerousMsec;
+using simulatortest::OpenedCamera;
+using simulatortest::SimulatorFixture;
 
 namespace {
 
 TEST(SimulatedThreads, MayCallEverythingAtOnce)
 {
-    Bench bench;
-    OpenedCamera mono(*bench.sdk);
+    SimulatorFixture fixture;
+    OpenedCamera mono(*fixture.sdk);
     mono.startLive();
     std::atomic<bool> done = false;
     std::vector<std::thread> threads;
@@ -25,7 +25,7 @@ TEST(SimulatedThreads, MayCallEverythingAtOnce)
             }
         });
     };
-    SimulatedCameraSdk& sdk = *bench.sdk;
+    SimulatedCameraSdk& sdk = *fixture.sdk;
     const CameraSdk::Handle handle = mono.handle;
     const QString serial = QStringLiteral("M1");
     repeat([&] {
@@ -75,8 +75,8 @@ TEST(SimulatedThreads, MayCallEverythingAtOnce)
 
 TEST(SimulatedThreads, CablesLidsAndClosingMayComeAtAnyMoment)
 {
-    Bench bench;
-    SimulatedCameraSdk& sdk = *bench.sdk;
+    SimulatorFixture fixture;
+    SimulatedCameraSdk& sdk = *fixture.sdk;
     const QString serial = QStringLiteral("M1");
     std::atomic<bool> done = false;
     std::thread hands([&] {
@@ -119,36 +119,36 @@ TEST(SimulatedThreads, CablesLidsAndClosingMayComeAtAnyMoment)
 
 TEST(SimulatedThreads, SeveralMayStopAtOnce)
 {
-    Bench bench;
-    OpenedCamera mono(*bench.sdk);
+    SimulatorFixture fixture;
+    OpenedCamera mono(*fixture.sdk);
     mono.startLive();
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
             for (int round = 0; round < 20; ++round) {
-                bench.sdk->stopLiveVideo(mono.handle, camera::Wait);
-                bench.sdk->startLiveVideo(mono.handle, camera::Wait);
+                fixture.sdk->stopLiveVideo(mono.handle, camera::Wait);
+                fixture.sdk->startLiveVideo(mono.handle, camera::Wait);
             }
         });
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
-    EXPECT_EQ(bench.sdk->stopLiveVideo(mono.handle, camera::Wait), 0);
+    EXPECT_EQ(fixture.sdk->stopLiveVideo(mono.handle, camera::Wait), 0);
 }
 
 TEST(SimulatedThreads, AnSdkMayEndWithCamerasRunning)
 {
-    Bench bench;
+    SimulatorFixture fixture;
     CameraSdk::Handle handle = 1 | camera::OpenByDevice;
-    ASSERT_EQ(bench.sdk->initCamera(&handle, nullptr), 0);
+    ASSERT_EQ(fixture.sdk->initCamera(&handle, nullptr), 0);
     OpenedCamera::Memory memory;
-    ASSERT_EQ(bench.sdk->allocImageMemory(handle, 96, 64, 8, &memory.pointer, &memory.id), 0);
-    ASSERT_EQ(bench.sdk->addToSequence(handle, memory.pointer, memory.id), 0);
-    ASSERT_EQ(bench.sdk->startLiveVideo(handle, camera::DontWait), 0);
-    bench.restart();
-    const OpenedCamera again(*bench.sdk);
-    EXPECT_EQ(bench.sdk->openCameras(), 1);
+    ASSERT_EQ(fixture.sdk->allocImageMemory(handle, 96, 64, 8, &memory.pointer, &memory.id), 0);
+    ASSERT_EQ(fixture.sdk->addToSequence(handle, memory.pointer, memory.id), 0);
+    ASSERT_EQ(fixture.sdk->startLiveVideo(handle, camera::DontWait), 0);
+    fixture.restart();
+    const OpenedCamera again(*fixture.sdk);
+    EXPECT_EQ(fixture.sdk->openCameras(), 1);
 }
 
 } // namespace

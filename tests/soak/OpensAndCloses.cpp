@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
 #include "simulator/SimulatedCameraSdk.h"
-#include "tests/faults/FaultyCameraSdk.h"
+#include "tests/sdk/FaultyCameraSdk.h"
 #include "tests/soak/Soak.h"
 
 #include <QAction>

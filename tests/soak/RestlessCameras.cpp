@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "camera/Camera.h"
 #include "simulator/SimulatedCameraSdk.h"
-#include "tests/faults/FaultyCameraSdk.h"
+#include "tests/sdk/FaultyCameraSdk.h"
 #include "tests/soak/Soak.h"
 
 #include <QCoreApplication>

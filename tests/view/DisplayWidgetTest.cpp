@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "view/DisplayWidget.h"
 
+#include "tests/harness/MethodsOf.h"
 #include "tests/view/ViewTestSupport.h"
 
 #include <QItemSelectionModel>
@@ -31,13 +32,12 @@ TEST(DisplayWidgetConstruction, PutsABaseColouredScalingLabelOnADarkScrollArea)
 
 TEST(DisplayWidgetInterface, HasItsSignalsAndSlotsInTheirOrder)
 {
-    EXPECT_EQ(viewtest::methodsOf(DisplayWidget::staticMetaObject, QMetaMethod::Signal),
-              QStringList({"positionClicked(QPoint)", "scaleChanged(int)"}));
-    EXPECT_EQ(
-        viewtest::methodsOf(DisplayWidget::staticMetaObject, QMetaMethod::Slot),
-        QStringList({"setBufferSize(ImageInfo)", "setImage(QImage&)", "clear()", "redrawImage()",
-                     "setHighlight(bool)", "setSelectionModel(QItemSelectionModel*)",
-                     "setScale(double)", "updateMagnifierPosition(QPoint)"}));
+    EXPECT_EQ(methodsOf(DisplayWidget::staticMetaObject),
+              QStringList({"signal positionClicked(QPoint)", "signal scaleChanged(int)",
+                           "public setBufferSize(ImageInfo)", "public setImage(QImage&)",
+                           "public clear()", "public redrawImage()", "public setHighlight(bool)",
+                           "public setSelectionModel(QItemSelectionModel*)",
+                           "public setScale(double)", "public updateMagnifierPosition(QPoint)"}));
 }
 
 TEST(DisplayWidgetImage, RedrawBeforeAnyImageDoesNothing)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "view/MagnifierControl.h"
 
+#include "tests/harness/MethodsOf.h"
 #include "tests/view/ViewTestSupport.h"
 #include "view/Magnifier.h"
 
@@ -77,8 +78,8 @@ TEST(MagnifierControlSlider, SetsTheZoom)
 
 TEST(MagnifierControlInterface, HasOneSlot)
 {
-    EXPECT_EQ(viewtest::methodsOf(MagnifierControl::staticMetaObject, QMetaMethod::Slot),
-              QStringList{"setPixelInfo(QString,int)"});
+    EXPECT_EQ(methodsOf(MagnifierControl::staticMetaObject),
+              QStringList{"public setPixelInfo(QString,int)"});
 }
 
 TEST(MagnifierControlInformation, ShowsTheWordAndTheValueInDecimal)

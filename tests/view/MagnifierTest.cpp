@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "view/Magnifier.h"
 
+#include "tests/harness/MethodsOf.h"
 #include "tests/view/MagnifierFixture.h"
 #include "tests/view/ViewTestSupport.h"
 
@@ -29,12 +30,12 @@ TEST_F(MagnifierFixture, IsACentredLabelThatTakesTheFocusAndAnySize)
 
 TEST_F(MagnifierFixture, HasItsSignalsAndSlotsInTheirOrder)
 {
-    EXPECT_EQ(viewtest::methodsOf(Magnifier::staticMetaObject, QMetaMethod::Signal),
-              QStringList({"pixelInfoChanged(QString,int)", "changePosition(QPoint)"}));
     EXPECT_EQ(
-        viewtest::methodsOf(Magnifier::staticMetaObject, QMetaMethod::Slot),
-        QStringList({"keyPressEvent(QKeyEvent*)", "mousePressEvent(QMouseEvent*)",
-                     "setPosition(QPoint)", "setZoom(int)", "setImage(QImage&)", "redrawImage()"}));
+        methodsOf(Magnifier::staticMetaObject),
+        QStringList({"signal pixelInfoChanged(QString,int)", "signal changePosition(QPoint)",
+                     "public keyPressEvent(QKeyEvent*)", "public mousePressEvent(QMouseEvent*)",
+                     "public setPosition(QPoint)", "public setZoom(int)",
+                     "public setImage(QImage&)", "public redrawImage()"}));
 }
 
 struct FocusColour

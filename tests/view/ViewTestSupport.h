@@ -7,7 +7,6 @@
 #include <QFile>
 #include <QImage>
 #include <QLabel>
-#include <QMetaMethod>
 #include <QPixmap>
 #include <QScrollArea>
 #include <QStringList>
@@ -83,19 +82,6 @@ inline QImage pictureOf(const QLabel& label)
 inline QImage pictureOf(const QScrollArea& display)
 {
     return pictureOf(*labelOf(display));
-}
-
-/// The signatures of the signals, or of the slots, that a class declares, in meta-object order.
-inline QStringList methodsOf(const QMetaObject& metaObject, QMetaMethod::MethodType type)
-{
-    QStringList methods;
-    for (int i = metaObject.methodOffset(); i < metaObject.methodCount(); ++i) {
-        const QMetaMethod method = metaObject.method(i);
-        if (method.methodType() == type) {
-            methods << QString::fromLatin1(method.methodSignature());
-        }
-    }
-    return methods;
 }
 
 /// Names a case of a table in the test's output, value by value.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "widgets/BaseParameterWidget.h"
 
-#include "tests/widgets/MethodsOf.h"
+#include "tests/harness/MethodsOf.h"
 #include "widgets/DoubleParameterWidget.h"
 #include "widgets/ParameterWidget.h"
 
@@ -25,7 +25,8 @@ TYPED_TEST_SUITE(AnyParameterWidget, Kinds);
 TEST(BaseParameterWidget, HasOneSlot)
 {
     EXPECT_STREQ(BaseParameterWidget::staticMetaObject.className(), "BaseParameterWidget");
-    EXPECT_EQ(methodsOf(BaseParameterWidget::staticMetaObject), QByteArrayList{"setText(QString)"});
+    EXPECT_EQ(methodsOf(BaseParameterWidget::staticMetaObject),
+              QStringList{"public setText(QString)"});
 }
 
 TYPED_TEST(AnyParameterWidget, MakesItsControlsWithoutAParent)

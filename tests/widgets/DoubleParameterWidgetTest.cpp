@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "widgets/DoubleParameterWidget.h"
 
-#include "tests/widgets/MethodsOf.h"
+#include "tests/harness/MethodsOf.h"
 
 #include <QDoubleSpinBox>
 #include <QSignalSpy>
@@ -39,10 +39,10 @@ protected:
 TEST_F(DoubleParameter, HasItsSignalAndSlotsInTheirOrder)
 {
     EXPECT_STREQ(m_widget.metaObject()->className(), "DoubleParameterWidget");
-    EXPECT_EQ(
-        methodsOf(*m_widget.metaObject()),
-        (QByteArrayList{"valueChanged(double)", "changeValue(double)", "changeValueRelative(int)",
-                        "emitValueChanged()", "setParam(CameraParameter<double>&)"}));
+    EXPECT_EQ(methodsOf(*m_widget.metaObject()),
+              QStringList({"signal valueChanged(double)", "public changeValue(double)",
+                           "public changeValueRelative(int)", "public emitValueChanged()",
+                           "public setParam(CameraParameter<double>&)"}));
 }
 
 TEST_F(DoubleParameter, CountsTheIncrementsOnTheSlider)

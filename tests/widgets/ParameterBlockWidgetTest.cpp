@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "widgets/ParameterBlockWidget.h"
 
-#include "tests/widgets/MethodsOf.h"
+#include "tests/harness/MethodsOf.h"
 #include "widgets/DoubleParameterWidget.h"
 #include "widgets/ParameterWidget.h"
 
@@ -15,7 +15,7 @@
 TEST(ParameterBlockWidget, HasNoMethodsOfItsOwn)
 {
     EXPECT_STREQ(ParameterBlockWidget::staticMetaObject.className(), "ParameterBlockWidget");
-    EXPECT_EQ(methodsOf(ParameterBlockWidget::staticMetaObject), QByteArrayList{});
+    EXPECT_EQ(methodsOf(ParameterBlockWidget::staticMetaObject), QStringList());
 }
 
 TEST(ParameterBlockWidget, HasARowOfLabelSliderAndSpinBoxForEachParameter)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "widgets/ParameterWidget.h"
 
-#include "tests/widgets/MethodsOf.h"
+#include "tests/harness/MethodsOf.h"
 
 #include <QSignalSpy>
 #include <QSlider>
@@ -35,8 +35,8 @@ TEST_F(Threshold, HasItsSignalAndSlotsInTheirOrder)
 {
     EXPECT_STREQ(m_widget.metaObject()->className(), "ParameterWidget");
     EXPECT_EQ(methodsOf(*m_widget.metaObject()),
-              (QByteArrayList{"valueChanged(int)", "changeValue(int)", "emitValueChanged()",
-                              "setParam(CameraParameter<int>&)"}));
+              QStringList({"signal valueChanged(int)", "public changeValue(int)",
+                           "public emitValueChanged()", "public setParam(CameraParameter<int>&)"}));
 }
 
 TEST_F(Threshold, RunsFrom5To255AndStartsAt40)

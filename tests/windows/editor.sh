@@ -84,9 +84,15 @@ shows_live_frames() {
 }
 
 asks_for_detection() { click 123 39 && within 5 count_windows "Hotpixel detection" -gt 0; }
-# Escape does not close the dialogue before the detection is done. At the end of a detection the
-# dialogue goes away for a moment all by itself, so it is looked for twice.
+dialogue_picture() {
+  import -window "$(windows_named "Hotpixel detection" | head -n 1)" "$1"
+}
+# Escape would stop a detection, so it waits until the dialogue does not change any more.
 detection_ends() {
+  dialogue_picture "$out/before.png" && sleep 3 && dialogue_picture "$out/area.png" &&
+    compare -metric AE "$out/before.png" "$out/area.png" null:
+}
+detection_closes() {
   xdotool key Escape && within 2 count_windows "Hotpixel detection" = 0 && sleep 1 &&
     count_windows "Hotpixel detection" = 0
 }
@@ -99,6 +105,7 @@ detects() {
   screenshot 4-detection
   within 120 detection_ends || { screenshot 5-detected; return 1; }
   screenshot 5-detected
+  within 60 detection_closes
 }
 
 asks_before_writing() { click 155 39 && within 5 count_windows VornHotpixelEditor -gt 1; }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // The examples in docs/companion.md, run as they stand there.
 
-#include "tests/cli/process/CompanionBench.h"
-#include "tests/support/SharedData.h"
+#include "tests/cli/process/CompanionFixture.h"
+#include "tests/harness/SharedData.h"
 
 #include <QDir>
 #include <QFile>
@@ -74,10 +74,10 @@ TEST(DocumentedExamples, RunAsTheyStandOnThePage)
 {
     const QString recorded = sharedData("darkframes/colour_cmos_1280x960");
     const bool hasRecorded = QDir(recorded).exists();
-    const CompanionBench bench(Cameras);
+    const CompanionFixture fixture(Cameras);
     if (hasRecorded) {
         ASSERT_TRUE(QFile::link(QDir(recorded).absolutePath(),
-                                bench.file(QStringLiteral("colour_cmos_1280x960"))));
+                                fixture.file(QStringLiteral("colour_cmos_1280x960"))));
     }
     const std::vector<Example> examples = documentedExamples();
     EXPECT_GE(examples.size(), 27U);
@@ -87,8 +87,8 @@ TEST(DocumentedExamples, RunAsTheyStandOnThePage)
         }
         QStringList words = QProcess::splitCommand(example.command);
         ASSERT_EQ(words.takeFirst(), QStringLiteral("vorn-hotpixel-demo")) << "only the demo runs";
-        const auto process = bench.start(words);
-        const Finished finished = CompanionBench::finish(*process);
+        const auto process = fixture.start(words);
+        const Finished finished = CompanionFixture::finish(*process);
         EXPECT_EQ(finished.status, example.status) << qPrintable(example.command) << '\n'
                                                    << finished.err.constData();
         if (!example.output.isEmpty()) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "hotpixel/BadpixelListFile.h"
-#include "tests/cli/process/CompanionBench.h"
+#include "tests/cli/process/CompanionFixture.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +18,8 @@ Entries listOf(std::uint16_t x, std::size_t count)
 {
     Entries entries;
     for (std::size_t i = 0; i < count; ++i) {
-        entries.push_back({x, static_cast<std::uint16_t>(i % 48), UserPixel});
+        entries.push_back({static_cast<std::uint16_t>((x + i / 48) % 64),
+                           static_cast<std::uint16_t>(i % 48), UserPixel});
     }
     return entries;
 }
@@ -30,10 +31,12 @@ Entries listOf(std::uint16_t x, std::size_t count)
 // write: later after a kill that came too early, earlier after one that came too late.
 TEST(KilledWriter, LeavesTheOldOrTheNewList)
 {
-    const CompanionBench bench(smallCamera().replace("userCapacity=16", "userCapacity=1000"));
-    const QString fileName = bench.file(QStringLiteral("list.txt"));
-    bench.run(QStringLiteral("read 1"));
-    Entries inCamera = bench.eeprom(QStringLiteral("S1"));
+    const CompanionFixture fixture(smallCamera()
+                                       .replace("userCapacity=16", "userCapacity=1000")
+                                       .replace("factoryEntries=2", "factoryEntries=0"));
+    const QString fileName = fixture.file(QStringLiteral("list.txt"));
+    fixture.run(QStringLiteral("read 1"));
+    Entries inCamera = fixture.eeprom(QStringLiteral("S1"));
     std::vector<Entries> everInCamera{inCamera};
 
     std::mt19937 random(20260309);
@@ -44,7 +47,7 @@ TEST(KilledWriter, LeavesTheOldOrTheNewList)
         // Of one entry up to all that there is room for, and never the list of before.
         const Entries wanted = listOf(static_cast<std::uint16_t>(round % 64), 1 + random() % 1000);
         hotpixel::writeListFile(fileName, wanted);
-        const std::unique_ptr<QProcess> process = bench.start(
+        const std::unique_ptr<QProcess> process = fixture.start(
             {QStringLiteral("write"), QStringLiteral("1"), fileName, QStringLiteral("--yes")});
         const double jitter = std::uniform_real_distribution<double>(0.5, 1.5)(random);
         process->waitForFinished(static_cast<int>(momentMsec * jitter));
@@ -57,7 +60,7 @@ TEST(KilledWriter, LeavesTheOldOrTheNewList)
             ASSERT_EQ(process->exitCode(), 0) << process->readAllStandardError().constData();
         }
 
-        const Entries after = bench.eeprom(QStringLiteral("S1"));
+        const Entries after = fixture.eeprom(QStringLiteral("S1"));
         ASSERT_TRUE(after == inCamera || after == wanted) << "round " << round;
         const bool wrote = after == wanted;
         wroteBefore += wrote ? 1 : 0;
@@ -66,14 +69,14 @@ TEST(KilledWriter, LeavesTheOldOrTheNewList)
         everInCamera.push_back(after);
 
         if (round % 20 == 19) {
-            const QString back = bench.file(QStringLiteral("back.txt"));
-            const Finished read = bench.run(QStringLiteral("read 1 --out %1"), back);
+            const QString back = fixture.file(QStringLiteral("back.txt"));
+            const Finished read = fixture.run(QStringLiteral("read 1 --out %1"), back);
             EXPECT_EQ(read.status, 0) << read.err.constData();
             EXPECT_EQ(hotpixel::readListFile(back), inCamera);
         }
     }
 
-    const QStringList backups = bench.backups();
+    const QStringList backups = fixture.backups();
     for (const QString& backup : backups) {
         EXPECT_TRUE(std::ranges::find(everInCamera, hotpixel::readListFile(backup)) !=
                     everInCamera.end())

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-#include "tests/cli/process/CompanionBench.h"
-#include "tests/support/SharedData.h"
+#include "tests/cli/process/CompanionFixture.h"
+#include "tests/harness/SharedData.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -56,25 +56,26 @@ TEST_P(RecordedFramesOfAColourSensor, GiveTheListFilesThatAreKnownForThem)
                                        .toObject();
     ASSERT_EQ(thresholds.size(), 5);
 
-    const CompanionBench bench(camerasFor(thresholds.keys(), GetParam() == 11 ? "bayer" : "mono"));
+    const CompanionFixture fixture(
+        camerasFor(thresholds.keys(), GetParam() == 11 ? "bayer" : "mono"));
     QStringList wrong = thresholds.keys();
     for (int attempt = 0; attempt < Attempts && !wrong.isEmpty(); ++attempt) {
         std::vector<std::unique_ptr<QProcess>> processes;
         for (const QString& threshold : wrong) {
             processes.push_back(
-                bench.start({QStringLiteral("detect"), u'T' + threshold, QStringLiteral("--json"),
-                             QStringLiteral("--like-editor"), QStringLiteral("--threshold"),
-                             threshold, QStringLiteral("--out"), bench.file(threshold)}));
+                fixture.start({QStringLiteral("detect"), u'T' + threshold, QStringLiteral("--json"),
+                               QStringLiteral("--like-editor"), QStringLiteral("--threshold"),
+                               threshold, QStringLiteral("--out"), fixture.file(threshold)}));
         }
         QStringList stillWrong;
         for (std::size_t i = 0; i < processes.size(); ++i) {
             const QString threshold = wrong[static_cast<qsizetype>(i)];
             const QJsonObject expected = thresholds[threshold].toObject();
-            const Finished finished = CompanionBench::finish(*processes[i]);
+            const Finished finished = CompanionFixture::finish(*processes[i]);
             EXPECT_EQ(finished.status, 0) << finished.err.constData();
             const QJsonObject json = finished.json();
             EXPECT_EQ(json[QStringLiteral("colorMode")].toInt(), GetParam());
-            if (hashOf(bench.file(threshold)) !=
+            if (hashOf(fixture.file(threshold)) !=
                     expected[QStringLiteral("sha256OfListFile")].toString().toLatin1() ||
                 json[QStringLiteral("found")] != expected[QStringLiteral("unique")]) {
                 stillWrong.append(threshold);
@@ -98,19 +99,19 @@ TEST_P(RecordedFramesOfAColourSensor, GiveTheSameListFilesWithoutACamera)
                                        .toObject()[QStringLiteral("thresholds")]
                                        .toObject();
     ASSERT_EQ(thresholds.size(), 5);
-    const CompanionBench bench(QByteArray{});
+    const CompanionFixture fixture(QByteArray{});
     for (const QString& threshold : thresholds.keys()) {
         const QJsonObject expected = thresholds[threshold].toObject();
-        const auto process = bench.start(
+        const auto process = fixture.start(
             {QStringLiteral("detect"), QStringLiteral("--frames"), QDir(Folder).absolutePath(),
              GetParam() == 11 ? QStringLiteral("--bayer") : QStringLiteral("--mono"),
              QStringLiteral("--like-editor"), QStringLiteral("--json"),
              QStringLiteral("--threshold"), threshold, QStringLiteral("--out"),
-             bench.file(threshold)});
-        const Finished finished = CompanionBench::finish(*process);
+             fixture.file(threshold)});
+        const Finished finished = CompanionFixture::finish(*process);
         EXPECT_EQ(finished.status, 0) << finished.err.constData();
         EXPECT_EQ(finished.json()[QStringLiteral("found")], expected[QStringLiteral("unique")]);
-        EXPECT_EQ(hashOf(bench.file(threshold)),
+        EXPECT_EQ(hashOf(fixture.file(threshold)),
                   expected[QStringLiteral("sha256OfListFile")].toString().toLatin1());
     }
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/cli/process/CompanionBench.h"
+#include "tests/cli/process/CompanionFixture.h"
 
 #include <QtGlobal>
 
@@ -54,7 +54,7 @@ QByteArrayList screenOf(const QByteArray& output, int columns)
 class TerminalRun
 {
 public:
-    TerminalRun(const CompanionBench& bench, const QByteArrayList& arguments,
+    TerminalRun(const CompanionFixture& fixture, const QByteArrayList& arguments,
                 std::uint16_t columns = 80)
         : m_columns(columns)
     {
@@ -66,16 +66,16 @@ public:
         EXPECT_EQ(unlockpt(m_master), 0);
         const QByteArray slave = ptsname(m_master);
         // Everything that allocates is made before the fork.
-        QByteArrayList words{VORN_COMPANION};
+        QByteArrayList words{CompanionFixture::program().toLocal8Bit()};
         words += arguments;
         std::vector<char*> argv;
         for (QByteArray& word : words) {
             argv.push_back(word.data());
         }
         argv.push_back(nullptr);
-        const QByteArray data = bench.file(QStringLiteral("data")).toLocal8Bit();
-        const QByteArray cameras = bench.file(QStringLiteral("cameras.ini")).toLocal8Bit();
-        const QByteArray eeproms = bench.file(QStringLiteral("eeprom")).toLocal8Bit();
+        const QByteArray data = fixture.file(QStringLiteral("data")).toLocal8Bit();
+        const QByteArray cameras = fixture.file(QStringLiteral("cameras.ini")).toLocal8Bit();
+        const QByteArray eeproms = fixture.file(QStringLiteral("eeprom")).toLocal8Bit();
         qputenv("XDG_DATA_HOME", data);
         qputenv("VORN_SIMULATED_CAMERAS", cameras);
         qputenv("VORN_SIMULATED_EEPROMS", eeproms);
@@ -174,9 +174,9 @@ class CompanionOnATerminal : public testing::Test
 protected:
     void SetUp() override
     {
-        m_bench.run(QStringLiteral("read 1"));
-        m_before = m_bench.eeprom(QStringLiteral("S1"));
-        m_list = m_bench.write(QStringLiteral("list.txt"), "1 2 1\n");
+        m_fixture.run(QStringLiteral("read 1"));
+        m_before = m_fixture.eeprom(QStringLiteral("S1"));
+        m_list = m_fixture.write(QStringLiteral("list.txt"), "1 2 1\n");
     }
 
     [[nodiscard]] QByteArrayList writeArguments() const
@@ -186,10 +186,10 @@ protected:
 
     [[nodiscard]] std::vector<BadpixelEntry> eeprom() const
     {
-        return m_bench.eeprom(QStringLiteral("S1"));
+        return m_fixture.eeprom(QStringLiteral("S1"));
     }
 
-    CompanionBench m_bench{smallCamera()};
+    CompanionFixture m_fixture{smallCamera()};
     std::vector<BadpixelEntry> m_before;
     QString m_list;
 };
@@ -198,7 +198,7 @@ protected:
 
 TEST_F(CompanionOnATerminal, AsksBeforeItOverwrites)
 {
-    TerminalRun run(m_bench, writeArguments());
+    TerminalRun run(m_fixture, writeArguments());
     ASSERT_TRUE(run.waitFor(
         "Replace the user list in the camera (3 entries) by the new one (1 entry)? [y/N] "));
     EXPECT_EQ(eeprom(), m_before);
@@ -209,36 +209,36 @@ TEST_F(CompanionOnATerminal, AsksBeforeItOverwrites)
 
 TEST_F(CompanionOnATerminal, OverwritesNothingUnlessTheAnswerIsYes)
 {
-    TerminalRun run(m_bench, writeArguments());
+    TerminalRun run(m_fixture, writeArguments());
     ASSERT_TRUE(run.waitFor("[y/N] "));
     run.type("\n");
     EXPECT_EQ(run.finish(), 1);
     EXPECT_TRUE(run.shown().contains("Nothing was written."));
     EXPECT_EQ(eeprom(), m_before);
-    EXPECT_TRUE(m_bench.backups().isEmpty());
+    EXPECT_TRUE(m_fixture.backups().isEmpty());
 }
 
 TEST_F(CompanionOnATerminal, TakesControlCForANo)
 {
-    TerminalRun run(m_bench, writeArguments());
+    TerminalRun run(m_fixture, writeArguments());
     ASSERT_TRUE(run.waitFor("[y/N] "));
     run.type("\x03");
     EXPECT_EQ(run.finish(), 1);
     EXPECT_TRUE(run.shown().contains("Interrupted."));
     EXPECT_EQ(eeprom(), m_before);
-    EXPECT_EQ(m_bench.run(QStringLiteral("read 1")).status, 0);
+    EXPECT_EQ(m_fixture.run(QStringLiteral("read 1")).status, 0);
 }
 
 TEST_F(CompanionOnATerminal, AsksNothingWithYes)
 {
-    TerminalRun run(m_bench, writeArguments() << "--yes");
+    TerminalRun run(m_fixture, writeArguments() << "--yes");
     EXPECT_EQ(run.finish(), 0);
     EXPECT_FALSE(run.shown().contains("[y/N]"));
 }
 
 TEST_F(CompanionOnATerminal, ShowsHowFarADetectionIs)
 {
-    const CompanionBench slow(smallCamera().replace("speed=40", "speed=2"));
+    const CompanionFixture slow(smallCamera().replace("speed=40", "speed=2"));
     TerminalRun run(slow, words("detect 1 --cover"));
     EXPECT_TRUE(run.waitFor("Taking dark frames ["));
     EXPECT_TRUE(run.waitFor("/11"));
@@ -249,7 +249,7 @@ TEST_F(CompanionOnATerminal, ShowsHowFarADetectionIs)
 
 TEST_F(CompanionOnATerminal, LeavesNothingOfTheBarOnANarrowOne)
 {
-    const CompanionBench slow(smallCamera().replace("speed=40", "speed=2"));
+    const CompanionFixture slow(smallCamera().replace("speed=40", "speed=2"));
     for (const std::uint16_t columns : {std::uint16_t{30}, std::uint16_t{45}}) {
         TerminalRun run(slow, words("detect 1 --cover"), columns);
         EXPECT_TRUE(run.waitFor("4/11"));
@@ -264,7 +264,7 @@ TEST_F(CompanionOnATerminal, LeavesNothingOfTheBarOnANarrowOne)
 
 TEST_F(CompanionOnATerminal, LeavesNothingOfTheBarAndOfTheKeysWhenItIsInterrupted)
 {
-    const CompanionBench slow(smallCamera().replace("speed=40", "speed=0.5"));
+    const CompanionFixture slow(smallCamera().replace("speed=40", "speed=0.5"));
     for (const std::uint16_t columns : {std::uint16_t{45}, std::uint16_t{80}}) {
         TerminalRun run(slow, words("detect 1 --cover"), columns);
         ASSERT_TRUE(run.waitFor("Taking dark frames ["));

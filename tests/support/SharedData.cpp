@@ -1,7 +1,0 @@
-// SPDX-License-Identifier: MIT
-#include "tests/support/SharedData.h"
-
-QString sharedData(const char* name)
-{
-    return QStringLiteral(VORN_SHARED_DATA "/") + QLatin1String(name);
-}
