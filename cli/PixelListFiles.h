@@ -89,6 +89,10 @@ QCommandLineOption outputFormatOption();
 /// @throws UsageError as formatOf(), and without --out.
 const PixelListFormat& outputFormat(const QString& fileName, const QCommandLineParser& parser);
 
+/// How the names of such files end where the command chooses them: ".txt", or as the format that is
+/// told has it.
+QString outputSuffix(const QCommandLineParser& parser);
+
 /// --size, and what it says.
 QCommandLineOption sizeOption();
 /// @return empty when it is not given.

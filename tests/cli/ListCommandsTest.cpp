@@ -289,6 +289,25 @@ TEST_F(ListCommands, ConvertKnowsOneValueOfAMask)
     EXPECT_EQ(QImage(path("m.png")).constScanLine(0)[1], 9);
 }
 
+TEST_F(ListCommands, ConvertReadsMasksFromFits)
+{
+    QByteArray fits;
+    for (const char* card : {"SIMPLE  =                    T", "BITPIX  =                    8",
+                             "NAXIS   =                    2", "NAXIS1  =                    3",
+                             "NAXIS2  =                    2", "END"}) {
+        fits += QByteArray(card).leftJustified(80);
+    }
+    constexpr qsizetype Block = 2880;
+    fits = fits.leftJustified(Block) + QByteArray("\0\1\0\0\0\2", 6) + QByteArray(Block - 6, '\0');
+    write("mask.fits", fits);
+    const Outcome outcome = run(QStringLiteral("convert DIR/mask.fits DIR/out.csv"));
+    if (outcome.err.contains("without CFITSIO")) {
+        GTEST_SKIP() << outcome.err.constData();
+    }
+    EXPECT_EQ(outcome.status, 0) << outcome.err.constData();
+    EXPECT_EQ(contentOf("out.csv"), QByteArray("x,y\n1,0\n2,1\n"));
+}
+
 TEST_F(ListCommands, ConvertTakesNoColourImageForAMask)
 {
     QImage image(8, 2, QImage::Format_RGB32);
@@ -567,6 +586,16 @@ TEST_F(ListCommands, ReadSavesOtherNamesAsTheListFilesOfThisProgram)
     }
 }
 
+TEST_F(ListCommands, ReadNamesTheFilesOfSeveralCamerasAsTheFormatHasIt)
+{
+    EXPECT_EQ(run(QStringLiteral("read all --out DIR/tables --format csv")).status, 0);
+    EXPECT_EQ(run(QStringLiteral("read all --out DIR/lists")).status, 0);
+    for (const char* name : {"tables/S1.csv", "tables/S2.csv", "lists/S1.txt", "lists/S2.txt"}) {
+        EXPECT_TRUE(QFile::exists(path(name))) << name;
+    }
+    EXPECT_TRUE(contentOf("tables/S2.csv").startsWith("x,y\n"));
+}
+
 TEST_F(ListCommands, DetectSavesTheListInAnyFormatWithTheValuesThatItFound)
 {
     QImage frame(20, 10, QImage::Format_Grayscale8);
@@ -620,6 +649,9 @@ TEST_F(ListCommands, WriteTakesAListOfAnyFormat)
     EXPECT_EQ(userList(), two);
     // Without a word it is a list file of this program, of which each line has to be a user entry.
     EXPECT_EQ(run(QStringLiteral("write S1 DIR/list --yes")).status, 1);
+    write("cold.lst", "P 1 2 H\nP 3 4 C\n");
+    EXPECT_EQ(run(QStringLiteral("write S1 DIR/cold.lst --yes")).err,
+              QByteArray("DIR/cold.lst: cold pixels become user entries like hot ones: 1\n"));
     write("bad.csv", "1,2\nbad\n");
     EXPECT_EQ(run(QStringLiteral("write S1 DIR/bad.csv --yes")).status, 1);
     EXPECT_EQ(run(QStringLiteral("write S1 DIR/list.badpixels --yes")).status, 2);
