@@ -151,6 +151,14 @@ const PixelListFormat& outputFormat(const QString& fileName, const QCommandLineP
     return formatOf(fileName, told, QStringLiteral("--format"), &editorFormat());
 }
 
+QString outputSuffix(const QCommandLineParser& parser)
+{
+    const QString told = parser.value(QLatin1String(FormatOption));
+    const PixelListFormat& format =
+        told.isEmpty() ? editorFormat() : formatOf({}, told, QStringLiteral("--format"));
+    return u'.' + format.suffixes.value(0, QStringLiteral("txt"));
+}
+
 QCommandLineOption sizeOption()
 {
     return {QLatin1String(SizeOption),
