@@ -153,11 +153,10 @@ const PixelListFormat& outputFormat(const QString& fileName, const QCommandLineP
 
 QString outputSuffix(const QCommandLineParser& parser)
 {
-    const PixelListFormat* const format =
-        pixellists::formatNamed(parser.value(QLatin1String(FormatOption)));
-    return format == nullptr || format->suffixes.isEmpty()
-               ? QStringLiteral(".txt")
-               : QStringLiteral(".") + format->suffixes.front();
+    const QString told = parser.value(QLatin1String(FormatOption));
+    const PixelListFormat& format =
+        told.isEmpty() ? editorFormat() : formatOf({}, told, QStringLiteral("--format"));
+    return u'.' + format.suffixes.value(0, QStringLiteral("txt"));
 }
 
 QCommandLineOption sizeOption()

@@ -89,8 +89,8 @@ QCommandLineOption outputFormatOption();
 /// @throws UsageError as formatOf(), and without --out.
 const PixelListFormat& outputFormat(const QString& fileName, const QCommandLineParser& parser);
 
-/// How the names of such files end where the command chooses them: ".txt", or as the format that is
-/// told has it.
+/// The suffix of files in that format which have no name yet.
+/// @throws UsageError for a format that nobody knows.
 QString outputSuffix(const QCommandLineParser& parser);
 
 /// --size, and what it says.

@@ -29,7 +29,7 @@ _vorn_hotpixel() {
     read -ra values < <(sed -nE 's/^Usage: [^ ]+ [^ ]+ //p' <<<"$help")
     kind=${values[${#words[@]} - 1]:-}
     for ((i = 0; i < ${#words[@]} && i < ${#values[@]}; i++)); do
-      if [[ ${values[i]} = *... ]]; then
+      if [[ ${values[i]} = *...* ]]; then
         kind="${values[i]} ${values[i + 1]:-}"
         break
       fi
@@ -50,8 +50,13 @@ _vorn_hotpixel() {
     *)
       if [[ $kind = *CAMERA* ]]; then
         mapfile -t COMPREPLY < <(compgen -W \
-          "$("$program" cameras --json 2>/dev/null | grep -oE '"serNo":"[^"]*"' | cut -d '"' -f 4)" \
-          -- "$word")
+          "all $("$program" cameras --json 2>/dev/null |
+            grep -oE '"serNo":"[^"]*"' | cut -d '"' -f 4)" -- "$word")
+      fi
+      # Words to choose from, such as "on|off|test".
+      if [[ ${#words[@]} -gt 1 && $kind =~ ([a-z]+(\|[a-z]+)+) ]]; then
+        mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < \
+          <(compgen -W "${BASH_REMATCH[1]//|/ }" -- "$word")
       fi
       if [[ $kind =~ ^IN|^OUT|FILE|FRAME|FOLDER|LIST|DIR && ${#COMPREPLY[@]} = 0 ]]; then
         compopt -o filenames 2>/dev/null
