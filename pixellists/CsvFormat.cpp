@@ -14,7 +14,7 @@
 
 namespace {
 
-using pixellists::Text;
+using Text = pixellists::Text;
 
 constexpr std::size_t NoColumn = SIZE_MAX;
 

@@ -10,7 +10,7 @@
 
 namespace {
 
-using pixellists::Text;
+using Text = pixellists::Text;
 
 constexpr std::size_t LongestLine = 127;
 

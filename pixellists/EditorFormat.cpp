@@ -10,7 +10,7 @@
 
 namespace {
 
-using pixellists::Text;
+using Text = pixellists::Text;
 
 #ifdef Q_OS_WIN
 constexpr auto LineEnd = " 1\r\n";

@@ -10,7 +10,7 @@
 
 namespace {
 
-using pixellists::Text;
+using Text = pixellists::Text;
 
 constexpr unsigned First = 1; ///< column and row
 

@@ -13,7 +13,7 @@
 
 namespace {
 
-using pixellists::Text;
+using Text = pixellists::Text;
 
 constexpr std::size_t LongestHeaderLine = 256;
 constexpr std::string_view TableLine = ":Table,";

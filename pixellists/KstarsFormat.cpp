@@ -19,7 +19,7 @@
 
 namespace {
 
-using pixellists::Text;
+using Text = pixellists::Text;
 
 constexpr qint64 GreatestFile = qint64{128} << 20;
 constexpr float Saturated = 65535;
@@ -154,7 +154,7 @@ void read(PixelListInput& input)
     }
     const QJsonObject map = document.object();
     if (!map.contains(QLatin1String(HotKey)) && !map.contains(QLatin1String(ColdKey))) {
-        input.refuseAt(1, Text::tr("the keys hot and cold"), {content.constData(), 0});
+        input.refuseAt(1, Text::tr("the keys hot and cold"), std::string_view());
         return;
     }
     readArray(map, HotKey, PixelDefect::Hot, content, input);

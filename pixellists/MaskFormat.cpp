@@ -8,7 +8,7 @@
 
 #include <algorithm>
 
-using pixellists::Text;
+using Text = pixellists::Text;
 
 namespace pixellists {
 namespace formats {

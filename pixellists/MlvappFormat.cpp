@@ -11,7 +11,7 @@
 
 namespace {
 
-using pixellists::Text;
+using Text = pixellists::Text;
 
 constexpr std::string_view Head = "#FPM ";
 

@@ -9,7 +9,7 @@
 
 namespace {
 
-using pixellists::Text;
+using Text = pixellists::Text;
 
 void read(PixelListInput& input)
 {

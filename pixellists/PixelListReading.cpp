@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <utility>
 
-using pixellists::Text;
+using Text = pixellists::Text;
 
 namespace {
 

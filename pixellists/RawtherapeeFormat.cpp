@@ -9,7 +9,7 @@
 
 namespace {
 
-using pixellists::Text;
+using Text = pixellists::Text;
 
 /// The first line as a lone number, which may be negative.
 std::optional<int> offsetIn(std::string_view line)

@@ -10,7 +10,7 @@
 
 namespace {
 
-using pixellists::Text;
+using Text = pixellists::Text;
 
 bool isLetter(char character)
 {
