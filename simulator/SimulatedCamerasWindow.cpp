@@ -172,7 +172,7 @@ void SimulatedCamerasWindow::addCamera(QGridLayout* layout, int row, const QStri
     temperature->setToolTip(tr("Temperature of the sensor"));
     temperature->setRange(-50.0, 100.0);
     temperature->setDecimals(1);
-    temperature->setSuffix(tr(" \u00b0C"));
+    temperature->setSuffix(tr(" °C"));
     temperature->setValue(camera.temperature());
     connect(temperature, &QDoubleSpinBox::valueChanged, this,
             [camera](double celsius) { camera.setTemperature(celsius); });
