@@ -14,8 +14,6 @@
 
 namespace {
 
-using Text = pixellists::Text;
-
 constexpr std::size_t NoColumn = SIZE_MAX;
 
 /// Which column holds what.
@@ -121,7 +119,7 @@ void read(PixelListInput& input)
         if (std::exchange(first, false) && !beginsLikeANumber(fields.front())) {
             hasHeader = true;
             if (!readHeader(fields, columns)) {
-                input.refuse(Text::tr("a header with the columns x and y"));
+                input.refuse(pixellists::Text::tr("a header with the columns x and y"));
                 columns = {};
             }
             continue;
@@ -135,9 +133,10 @@ void read(PixelListInput& input)
         }
     }
     if (!columns.others.isEmpty()) {
-        input.note(Text::tr("columns left out: %1").arg(columns.others.join(QStringLiteral(", "))));
+        input.note(pixellists::Text::tr("columns left out: %1")
+                       .arg(columns.others.join(QStringLiteral(", "))));
     } else if (!hasHeader && mostFields > 2) {
-        input.note(Text::tr("columns left out: %1 behind x and y").arg(mostFields - 2));
+        input.note(pixellists::Text::tr("columns left out: %1 behind x and y").arg(mostFields - 2));
     }
 }
 

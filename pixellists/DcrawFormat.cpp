@@ -10,8 +10,6 @@
 
 namespace {
 
-using Text = pixellists::Text;
-
 constexpr std::size_t LongestLine = 127;
 
 void read(PixelListInput& input)
@@ -35,9 +33,10 @@ void read(PixelListInput& input)
         }
     }
     if (withTime > 0) {
-        input.note(withTime == 1
-                       ? Text::tr("1 entry has a time, which is left out")
-                       : Text::tr("%1 entries have a time, which is left out").arg(withTime));
+        input.note(
+            withTime == 1
+                ? pixellists::Text::tr("1 entry has a time, which is left out")
+                : pixellists::Text::tr("%1 entries have a time, which is left out").arg(withTime));
     }
 }
 

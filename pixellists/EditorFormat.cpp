@@ -10,8 +10,6 @@
 
 namespace {
 
-using Text = pixellists::Text;
-
 #ifdef Q_OS_WIN
 constexpr auto LineEnd = " 1\r\n";
 #else
@@ -76,10 +74,12 @@ void write(std::span<const ListedPixel> pixels, const PixelListWriteOptions& /*o
     content.written -= others;
     if (others > 0) {
         content.losses.append(
-            (others == 1 ? Text::tr("%1 factory or ignored entry left out, since list files hold "
-                                    "user entries only")
-                         : Text::tr("%1 factory and ignored entries left out, since list files "
-                                    "hold user entries only"))
+            (others == 1
+                 ? pixellists::Text::tr(
+                       "%1 factory or ignored entry left out, since list files hold "
+                       "user entries only")
+                 : pixellists::Text::tr("%1 factory and ignored entries left out, since list files "
+                                        "hold user entries only"))
                 .arg(others));
     }
 }

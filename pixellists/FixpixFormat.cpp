@@ -10,8 +10,6 @@
 
 namespace {
 
-using Text = pixellists::Text;
-
 constexpr unsigned First = 1; ///< column and row
 
 /// @return whether the line is an entry.

@@ -19,8 +19,6 @@
 
 namespace {
 
-using Text = pixellists::Text;
-
 constexpr qint64 GreatestFile = qint64{128} << 20;
 constexpr float Saturated = 65535;
 constexpr int Aggressiveness = 75;
@@ -116,8 +114,9 @@ void readArray(const QJsonObject& map, const char* key, PixelDefect defect,
 {
     const QJsonValue value = map[QLatin1String(key)];
     if (!value.isUndefined() && !value.isArray()) {
-        input.refuseAt(JsonWalk(content).lineOf(key, 0),
-                       Text::tr("an array of pixels behind \"%1\"").arg(QLatin1String(key)), {});
+        input.refuseAt(
+            JsonWalk(content).lineOf(key, 0),
+            pixellists::Text::tr("an array of pixels behind \"%1\"").arg(QLatin1String(key)), {});
     }
     const QJsonArray pixels = value.toArray();
     for (qsizetype i = 0; i < pixels.size(); ++i) {
@@ -134,7 +133,8 @@ void readArray(const QJsonObject& map, const char* key, PixelDefect defect,
             pixels[i].isObject()
                 ? QJsonDocument(pixels[i].toObject()).toJson(QJsonDocument::Compact)
                 : QJsonDocument(QJsonArray{pixels[i]}).toJson(QJsonDocument::Compact);
-        input.refuseAt(JsonWalk(content).lineOf(key, i), Text::tr("a pixel {x, y, value}"),
+        input.refuseAt(JsonWalk(content).lineOf(key, i),
+                       pixellists::Text::tr("a pixel {x, y, value}"),
                        {found.constData(), static_cast<std::size_t>(found.size())});
     }
 }
@@ -148,13 +148,13 @@ void read(PixelListInput& input)
         const qsizetype end = error.error == QJsonParseError::NoError ? 0 : qsizetype{error.offset};
         const QByteArray found = content.mid(std::max<qsizetype>(end - 1, 0), 20);
         input.refuseAt(static_cast<std::uint64_t>(content.left(end).count('\n')) + 1,
-                       Text::tr("a JSON object"),
+                       pixellists::Text::tr("a JSON object"),
                        {found.constData(), static_cast<std::size_t>(found.size())});
         return;
     }
     const QJsonObject map = document.object();
     if (!map.contains(QLatin1String(HotKey)) && !map.contains(QLatin1String(ColdKey))) {
-        input.refuseAt(1, Text::tr("the keys hot and cold"), std::string_view());
+        input.refuseAt(1, pixellists::Text::tr("the keys hot and cold"), std::string_view());
         return;
     }
     readArray(map, HotKey, PixelDefect::Hot, content, input);
@@ -196,8 +196,9 @@ void noteFirst(std::span<const ListedPixel> pixels, std::uint16_t ListedPixel::*
 {
     const auto count = std::ranges::count(pixels, 0, coordinate);
     if (count > 0) {
-        const QString text = count == 1 ? Text::tr("%1 = 0: %2 entry that KStars never corrects")
-                                        : Text::tr("%1 = 0: %2 entries that KStars never corrects");
+        const QString text =
+            count == 1 ? pixellists::Text::tr("%1 = 0: %2 entry that KStars never corrects")
+                       : pixellists::Text::tr("%1 = 0: %2 entries that KStars never corrects");
         content.losses.append(text.arg(QLatin1Char(name)).arg(count));
     }
 }
@@ -220,7 +221,8 @@ void write(std::span<const ListedPixel> pixels, const PixelListWriteOptions& opt
     });
     if (raised > 0) {
         content.losses.append(
-            Text::tr("hot, but darker than a cold one: %1, which get its value").arg(raised));
+            pixellists::Text::tr("hot, but darker than a cold one: %1, which get its value")
+                .arg(raised));
     }
 
     const QByteArray camera =

@@ -8,8 +8,6 @@
 
 #include <algorithm>
 
-using Text = pixellists::Text;
-
 namespace pixellists {
 namespace formats {
 

@@ -11,8 +11,6 @@
 
 namespace {
 
-using Text = pixellists::Text;
-
 constexpr std::string_view Head = "#FPM ";
 
 bool isHead(std::string_view line)

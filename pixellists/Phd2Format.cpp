@@ -9,8 +9,6 @@
 
 namespace {
 
-using Text = pixellists::Text;
-
 void read(PixelListInput& input)
 {
     std::string_view line;

@@ -9,8 +9,6 @@
 
 namespace {
 
-using Text = pixellists::Text;
-
 /// The first line as a lone number, which may be negative.
 std::optional<int> offsetIn(std::string_view line)
 {

@@ -10,8 +10,6 @@
 
 namespace {
 
-using Text = pixellists::Text;
-
 bool isLetter(char character)
 {
     return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
