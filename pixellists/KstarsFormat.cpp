@@ -8,6 +8,7 @@
 #include "pixellists/PixelListReading.h"
 #include "pixellists/PixelListWriting.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -19,7 +20,11 @@
 
 namespace {
 
-using Text = pixellists::Text;
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(KstarsFormat)
+};
 
 constexpr qint64 GreatestFile = qint64{128} << 20;
 constexpr float Saturated = 65535;

@@ -3,12 +3,17 @@
 
 #include "pixellists/PixelListError.h"
 
+#include <QCoreApplication>
 #include <QIODevice>
 
 #include <algorithm>
 #include <utility>
 
-using Text = pixellists::Text;
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(PixelListReading)
+};
 
 namespace {
 
