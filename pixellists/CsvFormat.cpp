@@ -8,11 +8,18 @@
 #include "pixellists/PixelListWriting.h"
 
 #include <QByteArrayView>
+#include <QCoreApplication>
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
+
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(CsvFormat)
+};
 
 constexpr std::size_t NoColumn = SIZE_MAX;
 
@@ -119,7 +126,7 @@ void read(PixelListInput& input)
         if (std::exchange(first, false) && !beginsLikeANumber(fields.front())) {
             hasHeader = true;
             if (!readHeader(fields, columns)) {
-                input.refuse(pixellists::Text::tr("a header with the columns x and y"));
+                input.refuse(Text::tr("a header with the columns x and y"));
                 columns = {};
             }
             continue;
@@ -133,10 +140,9 @@ void read(PixelListInput& input)
         }
     }
     if (!columns.others.isEmpty()) {
-        input.note(pixellists::Text::tr("columns left out: %1")
-                       .arg(columns.others.join(QStringLiteral(", "))));
+        input.note(Text::tr("columns left out: %1").arg(columns.others.join(QStringLiteral(", "))));
     } else if (!hasHeader && mostFields > 2) {
-        input.note(pixellists::Text::tr("columns left out: %1 behind x and y").arg(mostFields - 2));
+        input.note(Text::tr("columns left out: %1 behind x and y").arg(mostFields - 2));
     }
 }
 

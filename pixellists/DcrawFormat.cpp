@@ -8,7 +8,15 @@
 #include "pixellists/PixelListReading.h"
 #include "pixellists/PixelListWriting.h"
 
+#include <QCoreApplication>
+
 namespace {
+
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(DcrawFormat)
+};
 
 constexpr std::size_t LongestLine = 127;
 
@@ -33,10 +41,9 @@ void read(PixelListInput& input)
         }
     }
     if (withTime > 0) {
-        input.note(
-            withTime == 1
-                ? pixellists::Text::tr("1 entry has a time, which is left out")
-                : pixellists::Text::tr("%1 entries have a time, which is left out").arg(withTime));
+        input.note(withTime == 1
+                       ? Text::tr("1 entry has a time, which is left out")
+                       : Text::tr("%1 entries have a time, which is left out").arg(withTime));
     }
 }
 

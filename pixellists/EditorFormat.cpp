@@ -6,9 +6,17 @@
 #include "pixellists/PixelListReading.h"
 #include "pixellists/PixelListWriting.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace {
+
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(EditorFormat)
+};
 
 #ifdef Q_OS_WIN
 constexpr auto LineEnd = " 1\r\n";
@@ -74,12 +82,10 @@ void write(std::span<const ListedPixel> pixels, const PixelListWriteOptions& /*o
     content.written -= others;
     if (others > 0) {
         content.losses.append(
-            (others == 1
-                 ? pixellists::Text::tr(
-                       "%1 factory or ignored entry left out, since list files hold "
-                       "user entries only")
-                 : pixellists::Text::tr("%1 factory and ignored entries left out, since list files "
-                                        "hold user entries only"))
+            (others == 1 ? Text::tr("%1 factory or ignored entry left out, since list files hold "
+                                    "user entries only")
+                         : Text::tr("%1 factory and ignored entries left out, since list files "
+                                    "hold user entries only"))
                 .arg(others));
     }
 }

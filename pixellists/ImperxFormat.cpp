@@ -8,10 +8,18 @@
 #include "pixellists/PixelListReading.h"
 #include "pixellists/PixelListWriting.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <tuple>
 
 namespace {
+
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(ImperxFormat)
+};
 
 constexpr std::size_t LongestHeaderLine = 256;
 constexpr std::string_view TableLine = ":Table,";
@@ -22,7 +30,7 @@ constexpr std::size_t MostDefectPixels = 1024;
 
 QString headerLine()
 {
-    return pixellists::Text::tr("a header line that ends in a comma, up to \":Table,\"");
+    return Text::tr("a header line that ends in a comma, up to \":Table,\"");
 }
 
 /// Reads up to the columns' names.
@@ -74,13 +82,12 @@ void write(std::span<const ListedPixel> pixels, const PixelListWriteOptions& opt
     const bool defects = options.suffix == QLatin1String("dpm");
     const std::size_t most = defects ? MostDefectPixels : MostHotPixels;
     if (pixels.size() > most) {
-        throw PixelListError(
-            (defects ? pixellists::Text::tr("imperx: %1 entries, and a defect pixel map takes "
-                                            "%2 at most.")
-                     : pixellists::Text::tr("imperx: %1 entries, and a hot pixel map takes "
-                                            "%2 at most."))
-                .arg(pixels.size())
-                .arg(most));
+        throw PixelListError((defects ? Text::tr("imperx: %1 entries, and a defect pixel map takes "
+                                                 "%2 at most.")
+                                      : Text::tr("imperx: %1 entries, and a hot pixel map takes "
+                                                 "%2 at most."))
+                                 .arg(pixels.size())
+                                 .arg(most));
     }
     PixelList sorted(pixels.begin(), pixels.end());
     std::ranges::stable_sort(sorted, {},

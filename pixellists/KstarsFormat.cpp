@@ -8,6 +8,7 @@
 #include "pixellists/PixelListReading.h"
 #include "pixellists/PixelListWriting.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -18,6 +19,12 @@
 #include <cmath>
 
 namespace {
+
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(KstarsFormat)
+};
 
 constexpr qint64 GreatestFile = qint64{128} << 20;
 constexpr float Saturated = 65535;
@@ -114,9 +121,8 @@ void readArray(const QJsonObject& map, const char* key, PixelDefect defect,
 {
     const QJsonValue value = map[QLatin1String(key)];
     if (!value.isUndefined() && !value.isArray()) {
-        input.refuseAt(
-            JsonWalk(content).lineOf(key, 0),
-            pixellists::Text::tr("an array of pixels behind \"%1\"").arg(QLatin1String(key)), {});
+        input.refuseAt(JsonWalk(content).lineOf(key, 0),
+                       Text::tr("an array of pixels behind \"%1\"").arg(QLatin1String(key)), {});
     }
     const QJsonArray pixels = value.toArray();
     for (qsizetype i = 0; i < pixels.size(); ++i) {
@@ -133,8 +139,7 @@ void readArray(const QJsonObject& map, const char* key, PixelDefect defect,
             pixels[i].isObject()
                 ? QJsonDocument(pixels[i].toObject()).toJson(QJsonDocument::Compact)
                 : QJsonDocument(QJsonArray{pixels[i]}).toJson(QJsonDocument::Compact);
-        input.refuseAt(JsonWalk(content).lineOf(key, i),
-                       pixellists::Text::tr("a pixel {x, y, value}"),
+        input.refuseAt(JsonWalk(content).lineOf(key, i), Text::tr("a pixel {x, y, value}"),
                        {found.constData(), static_cast<std::size_t>(found.size())});
     }
 }
@@ -148,13 +153,13 @@ void read(PixelListInput& input)
         const qsizetype end = error.error == QJsonParseError::NoError ? 0 : qsizetype{error.offset};
         const QByteArray found = content.mid(std::max<qsizetype>(end - 1, 0), 20);
         input.refuseAt(static_cast<std::uint64_t>(content.left(end).count('\n')) + 1,
-                       pixellists::Text::tr("a JSON object"),
+                       Text::tr("a JSON object"),
                        {found.constData(), static_cast<std::size_t>(found.size())});
         return;
     }
     const QJsonObject map = document.object();
     if (!map.contains(QLatin1String(HotKey)) && !map.contains(QLatin1String(ColdKey))) {
-        input.refuseAt(1, pixellists::Text::tr("the keys hot and cold"), std::string_view());
+        input.refuseAt(1, Text::tr("the keys hot and cold"), std::string_view());
         return;
     }
     readArray(map, HotKey, PixelDefect::Hot, content, input);
@@ -196,9 +201,8 @@ void noteFirst(std::span<const ListedPixel> pixels, std::uint16_t ListedPixel::*
 {
     const auto count = std::ranges::count(pixels, 0, coordinate);
     if (count > 0) {
-        const QString text =
-            count == 1 ? pixellists::Text::tr("%1 = 0: %2 entry that KStars never corrects")
-                       : pixellists::Text::tr("%1 = 0: %2 entries that KStars never corrects");
+        const QString text = count == 1 ? Text::tr("%1 = 0: %2 entry that KStars never corrects")
+                                        : Text::tr("%1 = 0: %2 entries that KStars never corrects");
         content.losses.append(text.arg(QLatin1Char(name)).arg(count));
     }
 }
@@ -221,8 +225,7 @@ void write(std::span<const ListedPixel> pixels, const PixelListWriteOptions& opt
     });
     if (raised > 0) {
         content.losses.append(
-            pixellists::Text::tr("hot, but darker than a cold one: %1, which get its value")
-                .arg(raised));
+            Text::tr("hot, but darker than a cold one: %1, which get its value").arg(raised));
     }
 
     const QByteArray camera =

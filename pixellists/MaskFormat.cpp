@@ -6,7 +6,15 @@
 #include "pixellists/PixelListError.h"
 #include "pixellists/PixelListWriting.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
+
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(MaskFormat)
+};
 
 namespace pixellists {
 namespace formats {

@@ -3,10 +3,17 @@
 
 #include "pixellists/PixelListError.h"
 
+#include <QCoreApplication>
 #include <QIODevice>
 
 #include <algorithm>
 #include <utility>
+
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(PixelListReading)
+};
 
 namespace {
 
@@ -56,7 +63,7 @@ bool PixelListInput::nextLine(std::string_view& line)
         if (line.size() <= m_longestLine) {
             return true;
         }
-        refuse(pixellists::Text::tr("a line of at most %1 bytes").arg(m_longestLine));
+        refuse(Text::tr("a line of at most %1 bytes").arg(m_longestLine));
     }
     return false;
 }
@@ -93,7 +100,7 @@ bool PixelListInput::readLine()
 QByteArray PixelListInput::wholeFile(qint64 most)
 {
     if (m_device.size() > most) {
-        fail(pixellists::Text::tr("%1: is too large to be a list of this format.").arg(m_fileName));
+        fail(Text::tr("%1: is too large to be a list of this format.").arg(m_fileName));
     }
     return m_device.read(m_device.size());
 }
@@ -117,8 +124,7 @@ void PixelListInput::addColumn(unsigned x)
 void PixelListInput::addRectangle(unsigned x1, unsigned x2, unsigned y1, unsigned y2)
 {
     if (m_options.size.isEmpty()) {
-        fail(pixellists::Text::tr(
-                 "%1, line %2: rows, columns and rectangles need the sensor's size (--size).")
+        fail(Text::tr("%1, line %2: rows, columns and rectangles need the sensor's size (--size).")
                  .arg(m_fileName, QString::number(m_lineNumber)));
     }
     const auto pixelsIn = [](std::uint64_t columns, std::uint64_t rows) { return columns * rows; };
@@ -149,7 +155,7 @@ void PixelListInput::refuse(const QString& expected)
 
 void PixelListInput::refuseAt(std::uint64_t line, const QString& expected, std::string_view found)
 {
-    const QString text = pixellists::Text::tr("%1, line %2: expected %3, not \"%4\".")
+    const QString text = Text::tr("%1, line %2: expected %3, not \"%4\".")
                              .arg(m_fileName, QString::number(line), expected, quoted(found));
     if (!m_options.lenient) {
         fail(text);
@@ -173,11 +179,10 @@ void PixelListInput::note(const QString& text)
 void PixelListInput::finish()
 {
     if (m_outside > 0) {
-        note(
-            pixellists::Text::tr("%1 of rows, columns and rectangles lie outside %2 × %3: left out")
-                .arg(m_outside)
-                .arg(m_options.size.width())
-                .arg(m_options.size.height()));
+        note(Text::tr("%1 of rows, columns and rectangles lie outside %2 × %3: left out")
+                 .arg(m_outside)
+                 .arg(m_options.size.width())
+                 .arg(m_options.size.height()));
     }
 }
 
@@ -189,7 +194,7 @@ void PixelListInput::fail(const QString& text) const
 void PixelListInput::makeRoom(std::uint64_t pixels)
 {
     if (pixels > pixellists::MostPixels - m_reading.pixels.size()) {
-        fail(pixellists::Text::tr("%1: has more than %2 entries.")
+        fail(Text::tr("%1: has more than %2 entries.")
                  .arg(m_fileName, QString::number(pixellists::MostPixels)));
     }
 }
