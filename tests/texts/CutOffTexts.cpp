@@ -36,9 +36,8 @@ public:
     void check(const QString& text, int has, int needs)
     {
         if (!text.isEmpty() && has < needs) {
-            m_texts.append(
-                QStringLiteral("\"%1\" has %2 and needs %3")
-                    .arg(text, QString::number(has), QString::number(needs)));
+            m_texts.append(QStringLiteral("\"%1\" has %2 and needs %3")
+                               .arg(text, QString::number(has), QString::number(needs)));
         }
     }
 
