@@ -21,7 +21,6 @@
 #include <QLabel>
 #include <QMenu>
 #include <QSettings>
-#include <QStatusBar>
 #include <QTableView>
 #include <QTimer>
 #include <QToolButton>
@@ -410,21 +409,8 @@ void MainWindow::createStatusBar()
         m_form->statusBar->addPermanentWidget(label);
         m_statusLabels[field] = label;
     }
-    connect(m_form->statusBar, &QStatusBar::messageChanged, this,
-            [this](const QString& message) { makeRoomFor(message); });
     m_statusTimer = new QTimer(this);
     m_statusTimer->setObjectName(QStringLiteral("statusTimer"));
-}
-
-// The fields give way to a message that is too long to stand beside them, until it has gone.
-void MainWindow::makeRoomFor(const QString& message)
-{
-    constexpr int Margins = 8; // around a message, as a status bar draws it
-    const int needed = m_form->statusBar->fontMetrics().horizontalAdvance(message) + Margins;
-    const bool fits = !isVisible() || needed <= m_statusLabels.front()->x();
-    for (QLabel* const label : m_statusLabels) {
-        label->setVisible(fits);
-    }
 }
 
 QMenu* MainWindow::createMenu(const QString& objectName, const QString& title,

@@ -175,7 +175,6 @@ private:
     void createDocks();
     void createToolBar();
     void createStatusBar();
-    void makeRoomFor(const QString& message);
     void createMenus();
     QMenu* createMenu(const QString& objectName, const QString& title, const CommandList& commands);
     void createConnections();

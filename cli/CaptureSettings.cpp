@@ -7,6 +7,7 @@
 
 #include <QCommandLineParser>
 
+#include <algorithm>
 #include <cmath>
 
 namespace {
@@ -30,10 +31,18 @@ QString shown(double value)
     return QString::number(value, 'f', ShownDecimals);
 }
 
+/// The upper end of a range; a camera whose slowest rate lies above the program's cap has only that
+/// one.
+template <typename T>
+T greatest(const CameraParameter<T>& parameter)
+{
+    return std::max(parameter.min, parameter.max);
+}
+
 template <typename T>
 bool isWithin(double value, const CameraParameter<T>& parameter)
 {
-    return value >= parameter.min - ShownTolerance && value <= parameter.max + ShownTolerance;
+    return value >= parameter.min - ShownTolerance && value <= greatest(parameter) + ShownTolerance;
 }
 
 } // namespace
@@ -101,7 +110,7 @@ void CaptureSettings::apply(Camera& camera) const
         if (!isWithin(*m_framesPerSecond, range)) {
             throw cli::CommandError(
                 tr("The frame rate of this camera goes from %1 to %2 images per second, not %3.")
-                    .arg(shown(range.min), shown(range.max), shown(*m_framesPerSecond)));
+                    .arg(shown(range.min), shown(greatest(range)), shown(*m_framesPerSecond)));
         }
         camera.setFramerate(*m_framesPerSecond);
     }

@@ -23,6 +23,8 @@
     COMMAND(write)                                                                                 \
     COMMAND(check)                                                                                 \
     COMMAND(correction)                                                                            \
+    COMMAND(backups)                                                                               \
+    COMMAND(restore)                                                                               \
     COMMAND(convert)                                                                               \
     COMMAND(diff)                                                                                  \
     COMMAND(merge)

@@ -144,6 +144,7 @@ CorrectionCommand::Proof CorrectionCommand::take(CameraSession& session,
     Proof proof;
     proof.off = listed(capture.skippedFrames());
     correction.set(true);
+    QCoreApplication::processEvents(); // drops the images that have waited since those above
     proof.on = listed(FramesBeforeSwitching);
     correction.set(false);
     return proof;

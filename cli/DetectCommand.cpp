@@ -174,9 +174,9 @@ DetectCommand::Settings DetectCommand::settingsOf(const QCommandLineParser& pars
         .clear = parser.isSet(QLatin1String(ClearOption)),
         .write = parser.isSet(QLatin1String(WriteOption)),
         .save = parser.isSet(QLatin1String(OutOption)),
-        .fileName = cli::outputName(parser, OutOption, QStringLiteral(".txt"), context),
+        .fileName = cli::outputName(parser, OutOption, cli::outputSuffix(parser), context),
         .format = &cli::outputFormat(
-            cli::outputName(parser, OutOption, QStringLiteral(".txt"), context), parser),
+            cli::outputName(parser, OutOption, cli::outputSuffix(parser), context), parser),
         .csvFile = cli::outputName(parser, CsvOption, QStringLiteral(".csv"), context),
         .reportFile = cli::outputName(parser, ReportOption, QStringLiteral(".html"), context),
         .frameFolder = cli::outputName(parser, SaveFramesOption, {}, context)};

@@ -122,7 +122,7 @@ Command merge()
 {
     return {.name = QStringLiteral("merge"),
             .arguments = {QStringLiteral("LIST"), QStringLiteral("LIST...")},
-            .summary = MergeCommand::tr("Put lists together, or keep what most of them have."),
+            .summary = MergeCommand::tr("Put lists together, or vote over them."),
             .description = MergeCommand::tr(
                 "Saves the pixels that at least K of the lists have: for lists of one sensor\n"
                 "that were taken at different temperatures or on different days. Each LIST is a\n"

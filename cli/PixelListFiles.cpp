@@ -151,6 +151,14 @@ const PixelListFormat& outputFormat(const QString& fileName, const QCommandLineP
     return formatOf(fileName, told, QStringLiteral("--format"), &editorFormat());
 }
 
+QString outputSuffix(const QCommandLineParser& parser)
+{
+    const QString told = parser.value(QLatin1String(FormatOption));
+    const PixelListFormat& format =
+        told.isEmpty() ? editorFormat() : formatOf({}, told, QStringLiteral("--format"));
+    return u'.' + format.suffixes.value(0, QStringLiteral("txt"));
+}
+
 QCommandLineOption sizeOption()
 {
     return {QLatin1String(SizeOption),
@@ -234,6 +242,11 @@ std::vector<BadpixelEntry> readListForCamera(const QString& fileName,
     const ReadList list = readList(fileName, format, {.size = size}, console);
     for (const QString& note : list.notes) {
         console.notice(QStringLiteral("%1: %2").arg(fileName, note));
+    }
+    const auto cold = std::ranges::count(list.pixels, PixelDefect::Cold, &ListedPixel::defect);
+    if (cold > 0) {
+        console.notice(Text::tr("%1: cold pixels become user entries like hot ones: %2")
+                           .arg(fileName, QString::number(cold)));
     }
     return entriesOf(list.pixels);
 }

@@ -89,6 +89,10 @@ QCommandLineOption outputFormatOption();
 /// @throws UsageError as formatOf(), and without --out.
 const PixelListFormat& outputFormat(const QString& fileName, const QCommandLineParser& parser);
 
+/// The suffix of files in that format which have no name yet.
+/// @throws UsageError for a format that nobody knows.
+QString outputSuffix(const QCommandLineParser& parser);
+
 /// --size, and what it says.
 QCommandLineOption sizeOption();
 /// @return empty when it is not given.

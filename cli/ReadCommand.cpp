@@ -32,7 +32,7 @@ public:
                     CommandContext& context)
     {
         const QString fileName =
-            cli::outputName(parser, OutOption, QStringLiteral(".txt"), context);
+            cli::outputName(parser, OutOption, cli::outputSuffix(parser), context);
         const bool save = parser.isSet(QLatin1String(OutOption));
         const PixelListFormat& format = cli::outputFormat(fileName, parser);
         if (save) {

@@ -89,6 +89,7 @@ void take(Turn& turn, const Command& command, const QStringList& rest,
         } catch (const std::exception& error) {
             turn.error = QString::fromUtf8(error.what());
         }
+        context.status = std::max(context.status, ofOne.status);
     }
     turn.summary = share.summary;
     if (!turn.error.isEmpty()) {

@@ -10,10 +10,9 @@
 #endif
 #ifdef VORN_HAS_LIBRAW
 #include "darkframes/RawReader.h"
-
-#include <QCoreApplication>
 #endif
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>

@@ -8,13 +8,18 @@
 #include "pixellists/PixelListWriting.h"
 
 #include <QByteArrayView>
+#include <QCoreApplication>
 
 #include <algorithm>
 #include <cmath>
 
 namespace {
 
-using pixellists::Text;
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(CsvFormat)
+};
 
 constexpr std::size_t NoColumn = SIZE_MAX;
 

@@ -6,11 +6,17 @@
 #include "pixellists/PixelListReading.h"
 #include "pixellists/PixelListWriting.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 namespace {
 
-using pixellists::Text;
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(EditorFormat)
+};
 
 #ifdef Q_OS_WIN
 constexpr auto LineEnd = " 1\r\n";

@@ -6,11 +6,17 @@
 #include "pixellists/PixelListReading.h"
 #include "pixellists/PixelListWriting.h"
 
+#include <QCoreApplication>
+
 #include <array>
 
 namespace {
 
-using pixellists::Text;
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(FixpixFormat)
+};
 
 constexpr unsigned First = 1; ///< column and row
 

@@ -8,12 +8,18 @@
 #include "pixellists/PixelListReading.h"
 #include "pixellists/PixelListWriting.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <tuple>
 
 namespace {
 
-using pixellists::Text;
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(ImperxFormat)
+};
 
 constexpr std::size_t LongestHeaderLine = 256;
 constexpr std::string_view TableLine = ":Table,";

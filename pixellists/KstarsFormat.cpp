@@ -8,6 +8,7 @@
 #include "pixellists/PixelListReading.h"
 #include "pixellists/PixelListWriting.h"
 
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -19,7 +20,11 @@
 
 namespace {
 
-using pixellists::Text;
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(KstarsFormat)
+};
 
 constexpr qint64 GreatestFile = qint64{128} << 20;
 constexpr float Saturated = 65535;
@@ -141,7 +146,7 @@ void readArray(const QJsonObject& map, const char* key, PixelDefect defect,
 
 void read(PixelListInput& input)
 {
-    const QByteArray content = input.rest(GreatestFile);
+    const QByteArray content = input.wholeFile(GreatestFile);
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(content, &error);
     if (!document.isObject()) {
@@ -154,7 +159,7 @@ void read(PixelListInput& input)
     }
     const QJsonObject map = document.object();
     if (!map.contains(QLatin1String(HotKey)) && !map.contains(QLatin1String(ColdKey))) {
-        input.refuseAt(1, Text::tr("the keys hot and cold"), {content.constData(), 0});
+        input.refuseAt(1, Text::tr("the keys hot and cold"), std::string_view());
         return;
     }
     readArray(map, HotKey, PixelDefect::Hot, content, input);

@@ -6,9 +6,15 @@
 #include "pixellists/PixelListError.h"
 #include "pixellists/PixelListWriting.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
-using pixellists::Text;
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(MaskFormat)
+};
 
 namespace pixellists {
 namespace formats {

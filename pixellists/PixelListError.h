@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
-#include <QCoreApplication>
 #include <QString>
 
 #include <stdexcept>
@@ -15,13 +14,3 @@ public:
         : std::runtime_error(text.toStdString())
     {}
 };
-
-namespace pixellists {
-
-/// Where the texts of this folder belong.
-struct Text
-{
-    Q_DECLARE_TR_FUNCTIONS(PixelLists)
-};
-
-} // namespace pixellists

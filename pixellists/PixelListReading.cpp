@@ -3,12 +3,17 @@
 
 #include "pixellists/PixelListError.h"
 
+#include <QCoreApplication>
 #include <QIODevice>
 
 #include <algorithm>
 #include <utility>
 
-using pixellists::Text;
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(PixelListReading)
+};
 
 namespace {
 
@@ -55,7 +60,7 @@ bool PixelListInput::nextLine(std::string_view& line)
         if (m_lineNumber == 1 && line.starts_with(ByteOrderMark)) {
             line.remove_prefix(std::string_view(ByteOrderMark).size());
         }
-        if (!m_tooLong && line.size() <= m_longestLine) {
+        if (line.size() <= m_longestLine) {
             return true;
         }
         refuse(Text::tr("a line of at most %1 bytes").arg(m_longestLine));
@@ -75,9 +80,8 @@ bool PixelListInput::readLine()
     }
     ++m_lineNumber;
     const auto hasEnd = [&] { return length > 0 && m_line[length - 1] == '\n'; };
-    m_tooLong = length == Most && !hasEnd();
-    if (m_tooLong) {
-        // Of the rest nothing is kept, however long it is.
+    if (length == Most && !hasEnd()) {
+        // What there is of it is too long already, so nothing is kept of the rest.
         QByteArray skipped(Most + 1, Qt::Uninitialized);
         for (qint64 size = Most; size == Most && skipped[size - 1] != '\n';) {
             size = m_device.readLine(skipped.data(), skipped.size());
@@ -93,13 +97,12 @@ bool PixelListInput::readLine()
     return true;
 }
 
-QByteArray PixelListInput::rest(qint64 most)
+QByteArray PixelListInput::wholeFile(qint64 most)
 {
-    QByteArray content = m_device.read(most + 1);
-    if (content.size() > most) {
+    if (m_device.size() > most) {
         fail(Text::tr("%1: is too large to be a list of this format.").arg(m_fileName));
     }
-    return content;
+    return m_device.read(m_device.size());
 }
 
 void PixelListInput::add(const ListedPixel& pixel)

@@ -60,9 +60,9 @@ public:
     /// file. A line that is too long is refused as a whole.
     [[nodiscard]] bool nextLine(std::string_view& line);
 
-    /// The whole rest of the file, for what is not made of lines.
+    /// The whole file, for what is not made of lines.
     /// @throws PixelListError for more than @p most bytes.
-    [[nodiscard]] QByteArray rest(qint64 most);
+    [[nodiscard]] QByteArray wholeFile(qint64 most);
 
     /// From now on lines may have @p bytes at most.
     void setLongestLine(std::size_t bytes) { m_longestLine = bytes; }
@@ -111,5 +111,4 @@ private:
     std::uint64_t m_lineNumber = 0;
     std::uint64_t m_outside = 0;
     QByteArray m_line;
-    bool m_tooLong = false;
 };

@@ -3,6 +3,8 @@
 
 #include "pixellists/PixelListError.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -11,6 +13,12 @@
 
 namespace pixellists {
 namespace {
+
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(PixelListWriting)
+};
 
 QString sizeText(const QSize& size)
 {

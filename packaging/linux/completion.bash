@@ -14,7 +14,7 @@ _vorn_hotpixel() {
 
   if [[ $previous = --* ]]; then
     # The value of an option that takes one, such as "--out <FILE>".
-    kind=$(sed -nE "s/^  (-[a-z], )?$previous <([A-Z]+)>.*/\2/p" <<<"$help")
+    kind=$(sed -nE "s/^  (-[a-z], )?$previous <([^>]+)>.*/\2/p" <<<"$help")
   fi
   if [[ -z $kind && $word = -* ]]; then
     kind=options
@@ -23,8 +23,17 @@ _vorn_hotpixel() {
   elif [[ -z $kind && " ${COMP_WORDS[*]} " = *" --frames "* ]]; then
     kind=FRAMES
   elif [[ -z $kind ]]; then
-    # "Usage: PROGRAM COMMAND CAMERA FILE [options]"
-    kind=$(sed -nE 's/^Usage: [^ ]+ [^ ]+ //p' <<<"$help" | cut -d ' ' -f "${#words[@]}")
+    # "Usage: PROGRAM COMMAND CAMERA... FILE [options]": from a value with dots on, it may be that
+    # one again or the one behind it.
+    local -a values=()
+    read -ra values < <(sed -nE 's/^Usage: [^ ]+ [^ ]+ //p' <<<"$help")
+    kind=${values[${#words[@]} - 1]:-}
+    for ((i = 0; i < ${#words[@]} && i < ${#values[@]}; i++)); do
+      if [[ ${values[i]} = *...* ]]; then
+        kind="${values[i]} ${values[i + 1]:-}"
+        break
+      fi
+    done
   fi
 
   case $kind in
@@ -34,13 +43,25 @@ _vorn_hotpixel() {
     commands)
       mapfile -t COMPREPLY < <(compgen -W \
         "$(sed -nE '/^Commands.*:$/,/^$/s/^  ([a-z][a-z-]*).*/\1/p' <<<"$help")" -- "$word") ;;
-    CAMERA | "CAMERA|"*)
+    FORMAT)
       mapfile -t COMPREPLY < <(compgen -W \
-        "$("$program" cameras --json 2>/dev/null | grep -oE '"serNo":"[^"]*"' | cut -d '"' -f 4)" \
-        -- "$word") ;;
-    *FILE* | *FRAME* | *FOLDER* | *LIST* | *DIR*)
-      compopt -o filenames 2>/dev/null
-      mapfile -t COMPREPLY < <(compgen -f -- "$word") ;;
+        "$("$program" convert --help 2>/dev/null |
+          sed -nE '/^Formats:$/,/^$/s/^  ([a-z][a-z0-9]*) .*/\1/p')" -- "$word") ;;
+    *)
+      if [[ $kind = *CAMERA* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W \
+          "all $("$program" cameras --json 2>/dev/null |
+            grep -oE '"serNo":"[^"]*"' | cut -d '"' -f 4)" -- "$word")
+      fi
+      # Words to choose from, such as "on|off|test".
+      if [[ ${#words[@]} -gt 1 && $kind =~ ([a-z]+(\|[a-z]+)+) ]]; then
+        mapfile -t -O ${#COMPREPLY[@]} COMPREPLY < \
+          <(compgen -W "${BASH_REMATCH[1]//|/ }" -- "$word")
+      fi
+      if [[ $kind =~ ^IN|^OUT|FILE|FRAME|FOLDER|LIST|DIR && ${#COMPREPLY[@]} = 0 ]]; then
+        compopt -o filenames 2>/dev/null
+        mapfile -t COMPREPLY < <(compgen -f -- "$word")
+      fi ;;
   esac
 }
 complete -F _vorn_hotpixel vorn-hotpixel-demo

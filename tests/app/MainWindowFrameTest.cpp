@@ -442,16 +442,4 @@ TEST(MainWindowInterface, HasItsSignalsAndProtectedSlots)
                          }));
 }
 
-TEST_F(MainWindowFrame, ALongMessageTakesThePlaceOfTheStatusFieldsWhileItIsShown)
-{
-    auto* const bar = child<QStatusBar>("statusBar");
-    const auto* const field = child<QLabel>("statusX");
-    bar->showMessage("short");
-    EXPECT_TRUE(field->isVisible());
-    bar->showMessage(QString(100, 'w'));
-    EXPECT_FALSE(field->isVisible());
-    bar->clearMessage();
-    EXPECT_TRUE(field->isVisible());
-}
-
 } // namespace

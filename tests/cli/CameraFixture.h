@@ -103,7 +103,8 @@ public:
         return file.fileName();
     }
 
-    /// Runs the companion; @p arguments are separated by blanks, DIR in them is the fixture's folder.
+    /// Runs the companion; @p arguments are separated by blanks, DIR in them is the fixture's
+    /// folder.
     Outcome run(QString arguments)
     {
         arguments.replace(QStringLiteral("DIR"), m_home.path());

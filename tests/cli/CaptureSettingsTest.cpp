@@ -121,6 +121,28 @@ TEST_F(FramesOfACamera, AreNotTakenOutOfTheCamerasRangeWhichOneLineNames)
     EXPECT_EQ(m_simulated.openCameras(), 0);
 }
 
+// The program's cap lies below its slowest rate.
+TEST_F(FramesOfACamera, HaveOneRateWhereTheCameraIsAlwaysFast)
+{
+    CameraDescription fast = description();
+    fast.serial = QStringLiteral("S1");
+    fast.slowestFrame = 4;
+    SimulatedCameraSdk simulated({{fast}, 50, m_home.path(), {}});
+    simulated.control(QStringLiteral("S1")).setCovered(true);
+    const auto errorOf = [&simulated](const char* rate) {
+        RecordedConsole recorded;
+        Interruption interruption;
+        Companion companion([&] { return std::make_unique<FaultyCameraSdk>(simulated); }, {},
+                            recorded.console(), interruption);
+        companion.run({QStringLiteral("vorn-hotpixel"), QStringLiteral("survey"),
+                       QStringLiteral("1"), QStringLiteral("--framerate"), QLatin1String(rate)});
+        return recorded.err();
+    };
+    EXPECT_EQ(errorOf("1"), QByteArray("vorn-hotpixel: The frame rate of this camera goes from "
+                                       "2.50 to 2.50 images per second, not 1.00.\n"));
+    EXPECT_EQ(errorOf("2.5"), QByteArray());
+}
+
 TEST_F(FramesOfACamera, CanBeTakenAtTheLimitsAsTheyAreShown)
 {
     for (const char* options : {"--exposure 498", "--exposure 2 --framerate 2",

@@ -119,6 +119,20 @@ TEST_F(Check, EndsWithStatus1WhenAPixelIsNotHotAnyMoreAndAnotherIsNew)
     expectUntouched(list);
 }
 
+TEST_F(Check, EndsWithStatus1ForEitherOfTheTwoAlone)
+{
+    Entries list = m_right;
+    list.pop_back();
+    m_fixture.setUser(list);
+    EXPECT_EQ(m_fixture.run(QStringLiteral("check 1 --auto")).err,
+              QByteArray("vorn-hotpixel: The list needs work: 0 not hot any more, 1 new.\n"));
+    list = m_right;
+    list.push_back({30, 21, UserPixel});
+    m_fixture.setUser(list);
+    EXPECT_EQ(m_fixture.run(QStringLiteral("check 1 --auto")).err,
+              QByteArray("vorn-hotpixel: The list needs work: 1 not hot any more, 0 new.\n"));
+}
+
 TEST_F(Check, TakesAThresholdOrDeviations)
 {
     const auto high = m_fixture.run(QStringLiteral("check 1 --auto --threshold 250 --json"));

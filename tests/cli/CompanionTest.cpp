@@ -43,7 +43,7 @@ protected:
 TEST_F(CompanionUse, IsExplainedByHelpOfEachCommandWithoutAnyCamera)
 {
     for (const char* command : {"", "cameras", "read", "survey", "detect", "write", "check",
-                                "correction", "convert", "diff", "merge"}) {
+                                "correction", "backups", "restore", "convert", "diff", "merge"}) {
         for (const char* option : {"--help", "-h"}) {
             EXPECT_EQ(run(words(command) + words(option)), Companion::Succeeded) << command;
             const QByteArray text = m_recorded.out();
@@ -59,7 +59,7 @@ TEST_F(CompanionUse, IsExplainedByHelpOfEachCommandWithoutAnyCamera)
 TEST_F(CompanionUse, FitsItsHelpIntoALineOf79Characters)
 {
     for (const char* command : {"", "cameras", "read", "survey", "detect", "write", "check",
-                                "correction", "convert", "diff", "merge"}) {
+                                "correction", "backups", "restore", "convert", "diff", "merge"}) {
         run(words(command) + words("--help"));
     }
     for (const QByteArray& line : m_recorded.out().split('\n')) {
@@ -71,7 +71,8 @@ TEST_F(CompanionUse, NamesCommandsAndOptionsInItsHelp)
 {
     run(words("--help"));
     for (const char* command : {"cameras", "read CAMERA...", "survey CAMERA...|--frames PATH...",
-                                "detect CAMERA...|--frames PATH...", "write CAMERA... FILE"}) {
+                                "detect CAMERA...|--frames PATH...", "write CAMERA... FILE",
+                                "convert IN OUT", "diff LIST LIST", "merge LIST LIST..."}) {
         EXPECT_TRUE(m_recorded.out().contains(command)) << command;
     }
     run(words("detect --help"));

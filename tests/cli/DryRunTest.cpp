@@ -22,28 +22,28 @@ class DryRun : public testing::Test
 protected:
     void SetUp() override
     {
-        m_bench.run(QStringLiteral("read 1"));
-        m_bench.setUser({{10, 10}, {20, 20}});
-        m_bench.write(QStringLiteral("list.txt"), "20 20 1\n30 30 1\n");
+        m_fixture.run(QStringLiteral("read 1"));
+        m_fixture.setUser({{10, 10}, {20, 20}});
+        m_fixture.write(QStringLiteral("list.txt"), "20 20 1\n30 30 1\n");
     }
 
     void expectUntouched()
     {
-        EXPECT_EQ(std::ranges::count_if(m_bench.commands, changesTheEeprom), 0);
-        EXPECT_EQ(m_bench.user(), (Entries{{10, 10, UserPixel}, {20, 20, UserPixel}}));
-        EXPECT_TRUE(m_bench.backups().isEmpty());
-        EXPECT_FALSE(QFileInfo::exists(m_bench.path(QStringLiteral("data"))))
+        EXPECT_EQ(std::ranges::count_if(m_fixture.commands, changesTheEeprom), 0);
+        EXPECT_EQ(m_fixture.user(), (Entries{{10, 10, UserPixel}, {20, 20, UserPixel}}));
+        EXPECT_TRUE(m_fixture.backups().isEmpty());
+        EXPECT_FALSE(QFileInfo::exists(m_fixture.path(QStringLiteral("data"))))
             << "not even a folder";
     }
 
-    CameraFixture m_bench;
+    CameraFixture m_fixture;
 };
 
 } // namespace
 
 TEST_F(DryRun, ShowsWhatWouldChangeAndWritesNothing)
 {
-    const auto shown = m_bench.run(QStringLiteral("write 1 DIR/list.txt --dry-run"));
+    const auto shown = m_fixture.run(QStringLiteral("write 1 DIR/list.txt --dry-run"));
     EXPECT_EQ(shown.status, 0);
     EXPECT_EQ(shown.err, QByteArray()) << "it asks nothing";
     EXPECT_EQ(shown.out, QByteArray("Small, SerNo S1, Dev 1\n"
@@ -55,7 +55,7 @@ TEST_F(DryRun, ShowsWhatWouldChangeAndWritesNothing)
 
 TEST_F(DryRun, WritesNothingAlsoWithYes)
 {
-    const auto shown = m_bench.run(QStringLiteral("write 1 DIR/list.txt --dry-run --yes --json"));
+    const auto shown = m_fixture.run(QStringLiteral("write 1 DIR/list.txt --dry-run --yes --json"));
     EXPECT_EQ(shown.status, 0);
     const QJsonObject changes = shown.json()[QStringLiteral("changes")].toObject();
     EXPECT_EQ(changes[QStringLiteral("added")].toArray(), (QJsonArray{QJsonArray{30, 30}}));
@@ -70,8 +70,8 @@ TEST_F(DryRun, FindsOutThatAListDoesNotFit)
     for (int y = 0; y < 21; ++y) {
         lines += "31 " + QByteArray::number(y) + " 1\n";
     }
-    m_bench.write(QStringLiteral("long.txt"), lines);
-    const auto refused = m_bench.run(QStringLiteral("write 1 DIR/long.txt --dry-run"));
+    m_fixture.write(QStringLiteral("long.txt"), lines);
+    const auto refused = m_fixture.run(QStringLiteral("write 1 DIR/long.txt --dry-run"));
     EXPECT_EQ(refused.status, 1);
     EXPECT_EQ(refused.err, QByteArray("vorn-hotpixel: The list has 21 user entries, but the camera "
                                       "can store 20 at most.\n"));
@@ -80,12 +80,12 @@ TEST_F(DryRun, FindsOutThatAListDoesNotFit)
 
 TEST_F(DryRun, ShowsWhatAnEmptyListRemovesAndRefusesIt)
 {
-    m_bench.write(QStringLiteral("empty.txt"), "");
-    const auto refused = m_bench.run(QStringLiteral("write 1 DIR/empty.txt --dry-run"));
+    m_fixture.write(QStringLiteral("empty.txt"), "");
+    const auto refused = m_fixture.run(QStringLiteral("write 1 DIR/empty.txt --dry-run"));
     EXPECT_EQ(refused.status, 1);
     EXPECT_TRUE(refused.out.contains("Removed: 2 entries\n"));
     EXPECT_TRUE(refused.err.contains("use --allow-empty"));
-    EXPECT_EQ(m_bench.run(QStringLiteral("write 1 DIR/empty.txt --dry-run --allow-empty")).status,
+    EXPECT_EQ(m_fixture.run(QStringLiteral("write 1 DIR/empty.txt --dry-run --allow-empty")).status,
               0);
     expectUntouched();
 }
@@ -93,7 +93,7 @@ TEST_F(DryRun, ShowsWhatAnEmptyListRemovesAndRefusesIt)
 TEST_F(DryRun, OfADetectionEndsBeforeTheWrite)
 {
     const auto shown =
-        m_bench.run(QStringLiteral("detect 1 --auto --clear --write --dry-run --json"));
+        m_fixture.run(QStringLiteral("detect 1 --auto --clear --write --dry-run --json"));
     EXPECT_EQ(shown.status, 0) << shown.err.constData();
     const QJsonObject changes = shown.json()[QStringLiteral("changes")].toObject();
     EXPECT_EQ(changes[QStringLiteral("added")], shown.json()[QStringLiteral("pixels")]);
@@ -104,7 +104,7 @@ TEST_F(DryRun, OfADetectionEndsBeforeTheWrite)
 
 TEST_F(DryRun, NeedsSomethingThatWouldBeWritten)
 {
-    const auto refused = m_bench.run(QStringLiteral("detect 1 --dry-run"));
+    const auto refused = m_fixture.run(QStringLiteral("detect 1 --dry-run"));
     EXPECT_EQ(refused.status, 2);
     EXPECT_EQ(refused.err,
               QByteArray("vorn-hotpixel: --dry-run shows what --write would do, which is missing. "
@@ -116,24 +116,24 @@ TEST_F(DryRun, EndsWithALineWhenTheCableIsPulled)
     for (const std::int32_t command :
          {camera::GetFactoryCount, camera::GetFactoryList, camera::GetMaxUserEntries,
           camera::GetUserCount, camera::GetUserList}) {
-        m_bench.onCommand = [&](std::int32_t sent) {
+        m_fixture.onCommand = [&](std::int32_t sent) {
             if (sent == command) {
-                m_bench.control().setPlugged(false);
+                m_fixture.control().setPlugged(false);
             }
         };
-        const auto failed = m_bench.run(QStringLiteral("write 1 DIR/list.txt --dry-run"));
+        const auto failed = m_fixture.run(QStringLiteral("write 1 DIR/list.txt --dry-run"));
         EXPECT_EQ(failed.status, 1) << command;
         EXPECT_TRUE(failed.err.startsWith("vorn-hotpixel: Can't read the ")) << failed.err.data();
         EXPECT_EQ(failed.err.count('\n'), 1) << failed.err.constData();
-        EXPECT_EQ(m_bench.simulated().openCameras(), 0);
-        m_bench.control().setPlugged(true);
+        EXPECT_EQ(m_fixture.simulated().openCameras(), 0);
+        m_fixture.control().setPlugged(true);
         expectUntouched();
     }
 }
 
 TEST_F(DryRun, IsNotNeededToSeeWhatAWriteChanges)
 {
-    const auto written = m_bench.run(QStringLiteral("write 1 DIR/list.txt --yes"));
+    const auto written = m_fixture.run(QStringLiteral("write 1 DIR/list.txt --yes"));
     EXPECT_EQ(written.status, 0) << written.err.constData();
     EXPECT_TRUE(written.out.contains("Added: 1 entry\n  (30, 30)\nRemoved: 1 entry\n  (10, 10)\n"
                                      "Written into the camera and read back: 2 entries of at most "
@@ -143,18 +143,18 @@ TEST_F(DryRun, IsNotNeededToSeeWhatAWriteChanges)
 
 TEST_F(DryRun, LeavesOutAsAWriteDoesWhatIsThereTwice)
 {
-    const BadpixelEntry factory = m_bench.factory().front();
+    const BadpixelEntry factory = m_fixture.factory().front();
     const QByteArray known =
         QByteArray::number(factory.x) + ' ' + QByteArray::number(factory.y) + " 1\n";
-    m_bench.write(QStringLiteral("twice.txt"), "30 30 1\n" + known + "30 30 1\n40 40 1\n");
+    m_fixture.write(QStringLiteral("twice.txt"), "30 30 1\n" + known + "30 30 1\n40 40 1\n");
     for (const char* option : {"--dry-run", "--yes"}) {
         const auto shown =
-            m_bench.run(QStringLiteral("write 1 DIR/twice.txt ") + QLatin1String(option));
+            m_fixture.run(QStringLiteral("write 1 DIR/twice.txt ") + QLatin1String(option));
         EXPECT_EQ(shown.status, 0) << shown.err.constData();
         EXPECT_TRUE(shown.out.contains("Left out, since the list has them twice: 1 entry\n"
                                        "Left out, since the factory list has them: 1 entry\n"
                                        "Added: 2 entries\n"))
             << shown.out.constData();
     }
-    EXPECT_EQ(m_bench.user(), (Entries{{30, 30, UserPixel}, {40, 40, UserPixel}}));
+    EXPECT_EQ(m_fixture.user(), (Entries{{30, 30, UserPixel}, {40, 40, UserPixel}}));
 }

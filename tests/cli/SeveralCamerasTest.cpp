@@ -265,6 +265,13 @@ TEST_F(SeveralCameras, SaveAFileEachInTheFolderThatIsNamed)
     EXPECT_EQ(QDir(path("s")).entryList(QDir::Files).size(), 2);
 }
 
+TEST_F(SeveralCameras, SaveFilesWithTheSuffixOfTheirFormat)
+{
+    EXPECT_EQ(run(QStringLiteral("read 1 3 --out DIR/l --format siril")), Companion::Succeeded)
+        << m_err.constData();
+    EXPECT_EQ(QDir(path("l")).entryList(QDir::Files).join(u' '), QStringLiteral("S1.lst S3.lst"));
+}
+
 TEST_F(SeveralCameras, RefuseAFileWhereAFolderIsNeeded)
 {
     writeFile("list.txt", "keep me");

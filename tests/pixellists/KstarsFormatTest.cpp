@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
+#include "pixellists/PixelListError.h"
 #include "tests/pixellists/ListTexts.h"
 
+#include <QTemporaryFile>
 #include <gtest/gtest.h>
 
 namespace {
@@ -120,4 +122,14 @@ TEST(KstarsFormat, RefusesWhatIsNoSuchObject)
         EXPECT_TRUE(refusal("kstars", text).startsWith(QStringLiteral("LIST, line 1: expected ")))
             << text;
     }
+}
+
+TEST(KstarsFormat, IsNotReadFromAFileThatIsMuchTooLarge)
+{
+    QTemporaryFile file;
+    ASSERT_TRUE(file.open());
+    ASSERT_TRUE(file.resize(qint64{1} << 30));
+    const PixelListFormat& format = *pixellists::formatNamed(QStringLiteral("kstars"));
+    EXPECT_THROW(pixellists::readPixelList(file, QStringLiteral("LIST"), format, {}),
+                 PixelListError);
 }

@@ -91,17 +91,6 @@ void checkDock(const QDockWidget& dock, CutOff& cutOff)
                  dock.fontMetrics().horizontalAdvance(dock.windowTitle()));
 }
 
-/// The message stands to the left of the fields.
-void checkStatusBar(const QStatusBar& bar, CutOff& cutOff)
-{
-    int room = bar.width();
-    for (const auto* field : bar.findChildren<QLabel*>(QString(), Qt::FindDirectChildrenOnly)) {
-        room = field->isVisible() ? std::min(room, field->x()) : room;
-    }
-    cutOff.check(bar.currentMessage(), room,
-                 bar.fontMetrics().horizontalAdvance(bar.currentMessage()));
-}
-
 /// What finds no room in a tool bar or a menu bar goes into the menu of an extension.
 void checkExtension(const QWidget& bar, const char* extension, CutOff& cutOff)
 {
@@ -128,7 +117,6 @@ QStringList cutOffTexts(const QWidget& window)
                                 [&](const QHeaderView& header) { checkHeader(header, cutOff); });
     forEachVisible<QTabBar>(window, [&](const QTabBar& tabs) { checkTabs(tabs, cutOff); });
     forEachVisible<QDockWidget>(window, [&](const QDockWidget& dock) { checkDock(dock, cutOff); });
-    forEachVisible<QStatusBar>(window, [&](const QStatusBar& bar) { checkStatusBar(bar, cutOff); });
     forEachVisible<QToolBar>(
         window, [&](const QToolBar& bar) { checkExtension(bar, "qt_toolbar_ext_button", cutOff); });
     forEachVisible<QMenuBar>(

@@ -197,16 +197,6 @@ TEST_F(WindowInAnotherLanguage, ShowsWholeMessages)
     EXPECT_EQ(message(), LongerLanguage::longer("Can't add more than %1 hotpixel entries.").arg(5));
     expectReadable(*window);
 
-    // The longest ones that the window, the camera and a detection have for the status bar.
-    for (const char* const text :
-         {"The image is too big and will be resized", "Could not initialize camera.",
-          "Upload of new firmware required. (approx. %1 seconds)",
-          "Color mode for hotpixel detection not supported.",
-          "Image format for hotpixel detection not supported."}) {
-        child<QStatusBar>("statusBar")->showMessage(LongerLanguage::longer(text));
-        expectReadable(*window);
-    }
-
     sdk.devices[1].status = 0;
     sdk.devices[1].openFailure = "initCamera";
     trigger("actionClose");
