@@ -133,15 +133,14 @@ void CheckCommand::report(const Verdict& verdict, const HotRule& rule, bool isBa
     QJsonArray array;
     for (const cli::ListedPixel& pixel : verdict.listed) {
         const QString list = cli::listName(pixel.entry);
-        const QString state = cli::stateName(pixel.state);
         rows.push_back({QString::number(pixel.entry.x), QString::number(pixel.entry.y), list,
-                        cli::meanText(pixel.mean), state});
+                        cli::meanText(pixel.mean), cli::stateText(pixel.state)});
         array.append(QJsonObject{
             {QStringLiteral("x"), pixel.entry.x},
             {QStringLiteral("y"), pixel.entry.y},
             {QStringLiteral("list"), list},
             {QStringLiteral("mean"), pixel.mean ? QJsonValue(*pixel.mean) : QJsonValue()},
-            {QStringLiteral("state"), state}});
+            {QStringLiteral("state"), QLatin1String(cli::stateName(pixel.state))}});
     }
     cli::reportRule(rule, report);
     report.insert("listed", array);

@@ -3,7 +3,19 @@
 
 #include "hotpixel/CameraLists.h"
 
+#include <QCoreApplication>
+
 #include <set>
+
+namespace {
+
+/// Where these texts belong.
+struct Text
+{
+    Q_DECLARE_TR_FUNCTIONS(ListedPixels)
+};
+
+} // namespace
 
 namespace cli {
 
@@ -45,19 +57,24 @@ QString listName(const BadpixelEntry& entry)
     return entry.pixelClass == FactoryPixel ? QStringLiteral("factory") : QStringLiteral("user");
 }
 
-QString stateName(ListedState state)
+const char* stateName(ListedState state)
 {
     switch (state) {
     case ListedState::Hot:
-        return QStringLiteral("hot");
+        return QT_TRANSLATE_NOOP("ListedPixels", "hot");
     case ListedState::Flickering:
-        return QStringLiteral("flickering");
+        return QT_TRANSLATE_NOOP("ListedPixels", "flickering");
     case ListedState::NotHot:
-        return QStringLiteral("not hot");
+        return QT_TRANSLATE_NOOP("ListedPixels", "not hot");
     case ListedState::Outside:
         break;
     }
-    return QStringLiteral("outside");
+    return QT_TRANSLATE_NOOP("ListedPixels", "outside");
+}
+
+QString stateText(ListedState state)
+{
+    return Text::tr(stateName(state));
 }
 
 QString meanText(const std::optional<double>& mean)

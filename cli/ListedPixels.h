@@ -49,8 +49,10 @@ listedPixels(const CameraListsRead& lists, const DarkFrames& frames, const Findi
 /// "factory" or "user"
 [[nodiscard]] QString listName(const BadpixelEntry& entry);
 
-/// "hot", "flickering", "not hot", "outside"
-[[nodiscard]] QString stateName(ListedState state);
+/// "hot", "flickering", "not hot", "outside", for machines
+[[nodiscard]] const char* stateName(ListedState state);
+/// The same for people.
+[[nodiscard]] QString stateText(ListedState state);
 
 /// One decimal, or "-".
 [[nodiscard]] QString meanText(const std::optional<double>& mean);

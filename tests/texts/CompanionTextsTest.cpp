@@ -80,7 +80,7 @@ private:
 };
 
 /// Fails for each English word in @p text that is none of the language of command lines: commands,
-/// options, what an argument is called, files; nor of the camera's own.
+/// options, what an argument is called, files; nor of the camera's and the list's own.
 void expectTranslated(const QString& text)
 {
     QStringList words{QStringLiteral("vorn-hotpixel"), QStringLiteral("VS-5"), QStringLiteral("S1"),
@@ -88,6 +88,7 @@ void expectTranslated(const QString& text)
     for (const Command& command : Companion::allCommands()) {
         words.append(command.name);
     }
+    words.append({QStringLiteral("user"), QStringLiteral("factory")});
     words.append(pixellists::formatNames().split(QStringLiteral(", ")));
     static const QRegularExpression Kept(
         QStringLiteral(
@@ -143,6 +144,13 @@ TEST_F(CompanionInAnotherLanguage, DoesItsJobs)
     expectTranslatedOutputOf(QStringLiteral("detect S1 --like-editor --save-frames ~/frames"));
     expectTranslatedOutputOf(QStringLiteral("survey --frames ~/frames --bayer"));
     expectTranslatedOutputOf(QStringLiteral("detect --frames ~/frames --bayer --out ~/files.txt"));
+    expectTranslatedOutputOf(QStringLiteral("convert ~/list.txt ~/list.csv"));
+    expectTranslatedOutputOf(QStringLiteral("merge ~/list.txt ~/saved.txt --out ~/merged.txt"));
+    expectTranslatedOutputOf(QStringLiteral("diff ~/list.txt ~/saved.txt"),
+                             Companion::CommandFailed);
+    expectTranslatedOutputOf(QStringLiteral("check S1 --auto --report ~/check.html"));
+    expectTranslatedOutputOf(QStringLiteral("correction S1 test --auto"));
+    expectTranslatedOutputOf(QStringLiteral("correction S1 on"));
 }
 
 TEST_F(CompanionInAnotherLanguage, ExplainsItself)
