@@ -136,8 +136,7 @@ ListRoom listRoom(const DarkStack& stack, const Survey& survey, std::uint64_t ca
                   std::uint64_t taken, std::vector<PixelPosition> known)
 {
     std::ranges::sort(known);
-    const auto rest = std::ranges::unique(known);
-    known.erase(rest.begin(), rest.end());
+    known.erase(std::unique(known.begin(), known.end()), known.end());
     const auto thresholds = darkframes::surveyThresholds(survey.info.bitsPerPixel);
     return {capacity, taken,
             darkframes::fillingThreshold(stack, survey.searchPlanes(), known,

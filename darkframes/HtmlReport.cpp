@@ -162,7 +162,7 @@ QString histogram(const PlaneStatistics& plane, const HotLimit& limit, std::uint
 {
     const double hotFrom = static_cast<double>(limit.greatestColdSum + 1) / frames;
     const double left = std::floor(*plane.minimum);
-    const double highest = static_cast<double>(plane.levels.size());
+    const auto highest = static_cast<double>(plane.levels.size());
     const double right = std::min(highest, std::max(std::floor(*plane.maximum) + 1, hotFrom + 1));
     const Bars bars = barsOf(plane, left, right);
     const double most = bars.counts.empty() ? 1 : *std::ranges::max_element(bars.counts);
