@@ -351,7 +351,7 @@ LiveDetection::Result DetectCommand::findIn(const DarkFrames& frames, BadpixelLi
 {
     const HotRule rule = cli::ruleFor(settings.rule, frames.stack.info().bitsPerPixel);
     const cli::ExactDetection detection(frames, rule, settings.flickering);
-    const LiveDetection::Result result = cli::addFound(detection.found, list);
+    LiveDetection::Result result = cli::addFound(detection.found, list);
     report.insert("flickering", static_cast<qint64>(detection.findings.pixels.flickering.size()));
     // What is too much for a camera is worth a look, too.
     const std::vector<FoundPixel> pixels = darkframes::foundPixels(

@@ -43,7 +43,7 @@ LiveDetection::Result LiveDetection::run(bool clear, int threshold, int skippedF
 {
     DetectionRun run(m_list);
     run.start(clear, threshold);
-    const Result taken = take(run, skippedFrames);
+    Result taken = take(run, skippedFrames);
     if (taken.outcome != Outcome::Found) {
         return taken;
     }
@@ -56,7 +56,7 @@ LiveDetection::Result LiveDetection::takeFrames(QVector<QImage>& frames, int ski
     DetectionRun run(m_list);
     constexpr int NoThreshold = 0;
     run.start(false, NoThreshold);
-    const Result taken = take(run, skippedFrames);
+    Result taken = take(run, skippedFrames);
     if (taken.outcome == Outcome::Found) {
         frames = run.frames();
         m_frameWatch(frames);

@@ -171,7 +171,7 @@ CameraItem cli::chosenCamera(CommandContext& context, const QString& name)
 QString cli::outputName(const QCommandLineParser& parser, const char* option, const QString& suffix,
                         const CommandContext& context)
 {
-    const QString value = parser.value(QLatin1String(option));
+    QString value = parser.value(QLatin1String(option));
     if (context.share == nullptr || !parser.isSet(QLatin1String(option))) {
         return value;
     }

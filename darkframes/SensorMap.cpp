@@ -19,8 +19,6 @@ struct Text
     Q_DECLARE_TR_FUNCTIONS(SensorMap)
 };
 
-using darkframes::svgNumber;
-
 constexpr double Width = 420; ///< of the viewport
 
 /// More of a kind can't be told apart any more, and make a page that browsers are slow with.

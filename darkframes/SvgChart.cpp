@@ -152,7 +152,10 @@ QString SvgChart::axes() const
     }
     constexpr int MostTicks = 6;
     const double step = darkframes::niceStep(m_right - m_left, MostTicks);
-    for (double x = std::ceil(m_left / step) * step; x <= m_right; x += step) {
+    const auto firstTick = static_cast<int>(std::ceil(m_left / step));
+    const auto lastTick = static_cast<int>(std::floor(m_right / step));
+    for (int tick = firstTick; tick <= lastTick; ++tick) {
+        const double x = tick * step;
         axes += line(xOf(x), Bottom, xOf(x), Bottom + 4, "axis");
         axes += text(xOf(x), Bottom + 16, "middle", QString::number(x, 'g', 6));
     }
