@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <span>
 #include <utility>
 
 BadpixelDetector::ErrColorMode::ErrColorMode()
@@ -88,19 +87,19 @@ void BadpixelDetector::setImages(int colorMode, const QVector<QImage>* images)
     m_images = images;
 }
 
-void BadpixelDetector::accumulate()
+void BadpixelDetector::accumulate(unsigned int least)
 {
     try {
-        makeMatrices();
+        makePlanes();
         checkFrames();
-        average();
+        average(least);
     } catch (...) {
         emit detectionFinished();
         throw;
     }
 }
 
-void BadpixelDetector::makeMatrices()
+void BadpixelDetector::makePlanes()
 {
     if (m_images == nullptr || m_images->isEmpty()) {
         throw std::runtime_error(tr("No images acquired for hotpixel detection.").toStdString());
@@ -113,22 +112,22 @@ void BadpixelDetector::makeMatrices()
     const auto width = static_cast<unsigned>(std::abs(first.width()));
     const auto height = static_cast<unsigned>(std::abs(first.height()));
     m_planes.clear();
+    const auto addPlane = [this](const SamplingPattern& pattern, unsigned rows, unsigned columns) {
+        Matrix<unsigned int>::checkSize(rows, columns);
+        m_planes.push_back({pattern, std::size_t{columns} * rows});
+    };
     switch (m_colorMode) {
     case Mono8:
-        m_planes.push_back({m_patterns[0], std::size_t{width} * height});
-        m_means = std::make_unique<Matrix<quint8>>(height, width);
+        addPlane(m_patterns[0], height, width);
         break;
     case RawBayer8:
         for (std::size_t plane = 1; plane < m_patterns.size(); ++plane) {
-            m_planes.push_back({m_patterns[plane], std::size_t{width >> 1U} * (height >> 1U)});
+            addPlane(m_patterns[plane], height >> 1U, width >> 1U);
         }
-        // Without a line or a column of any site there is no plane.
-        m_means = std::make_unique<Matrix<quint8>>(height < 2 ? 0 : height, width < 2 ? 0 : width);
         break;
     default:
         throw ErrColorMode();
     }
-    m_greatestMeans.assign(height, 0);
 }
 
 void BadpixelDetector::checkFrames() const
@@ -148,37 +147,62 @@ void BadpixelDetector::checkFrames() const
     }
 }
 
-void BadpixelDetector::average()
+void BadpixelDetector::average(unsigned int least)
 {
     std::vector<const quint8*> bytes;
     bytes.reserve(static_cast<std::size_t>(m_images->size()));
     for (const QImage& image : *m_images) {
         bytes.push_back(image.constBits());
     }
-    const detection::FrameMeans frameMeans(std::move(bytes));
-    const auto width = static_cast<std::size_t>(m_images->first().width());
-    std::vector<detection::LineOfMeans> lines(m_greatestMeans.size());
-    const std::span<quint8> means = m_means->run(0, m_means->size());
-    for (std::size_t y = 0; y < lines.size(); ++y) {
-        lines[y] = frameMeans.line(y * width, width, means.data() + y * width);
-        m_greatestMeans[y] = lines[y].greatest;
+    const FrameMeans frameMeans(std::move(bytes));
+    const QSize size = m_images->first().size();
+    const auto byteAt = [&size](int x, int y) {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(size.width()) +
+               static_cast<std::size_t>(x);
+    };
+    struct Line
+    {
+        unsigned int evenSum = 0;
+        unsigned int oddSum = 0;
+        quint8 first = 0;
+    };
+    std::vector<Line> lines(static_cast<std::size_t>(size.height()));
+    m_segments.clear();
+    Segment segment;
+    for (segment.y = 0; segment.y < size.height(); ++segment.y) {
+        Line& line = lines[static_cast<std::size_t>(segment.y)];
+        for (segment.x = 0; segment.x < size.width(); segment.x += Segment::Bytes) {
+            segment.count = std::min(Segment::Bytes, size.width() - segment.x);
+            const FrameMeans::Run run =
+                frameMeans.run(byteAt(segment.x, segment.y),
+                               static_cast<std::size_t>(segment.count), segment.means.data());
+            line.evenSum += run.evenSum;
+            line.oddSum += run.oddSum;
+            line.first = segment.x == 0 ? segment.means.front() : line.first;
+            segment.greatest = run.greatest;
+            if (segment.greatest > least) {
+                m_segments.push_back(segment);
+            }
+        }
     }
 
     for (Plane& plane : m_planes) {
         const SamplingPattern& pattern = plane.pattern;
-        const bool goesPastTheLine = (width - pattern.startX) % pattern.stepX == 0;
+        const bool goesPastTheLine = (size.width() - pattern.startX) % pattern.stepX == 0;
         ImagePosIterator walk(&m_images->first(), &pattern, nullptr);
         std::size_t left = plane.size;
         for (; left >= walk.stepsOnLine(); walk.advance(walk.stepsOnLine())) {
             left -= walk.stepsOnLine();
-            const auto y = static_cast<std::size_t>(walk.y);
-            plane.sum += pattern.stepX == 1    ? lines[y].evenSum + lines[y].oddSum
-                         : pattern.startX == 0 ? lines[y].evenSum
-                                               : lines[y].oddSum;
-            plane.sum += goesPastTheLine ? means[(y + 1) * width] : 0U;
+            const Line& line = lines[static_cast<std::size_t>(walk.y)];
+            plane.sum += pattern.stepX == 1    ? line.evenSum + line.oddSum
+                         : pattern.startX == 0 ? line.evenSum
+                                               : line.oddSum;
+            plane.sum += goesPastTheLine ? lines[static_cast<std::size_t>(walk.y) + 1].first : 0U;
         }
         for (; left > 0; --left) { // the last line has fewer
-            plane.sum += means[static_cast<std::size_t>(walk.byteIndex())];
+            quint8 mean = 0;
+            frameMeans.run(byteAt(walk.x, walk.y), 1, &mean);
+            plane.sum += mean;
             walk.advance();
         }
     }

@@ -9,7 +9,6 @@
 
 #include <array>
 #include <cstddef>
-#include <memory>
 #include <stdexcept>
 #include <vector>
 
@@ -22,7 +21,8 @@ class QImage;
 /// sites of the mosaic makes a plane of its own. What is done to a pixel is said by the visitors
 /// below, one kind for each pass, element by element. A detection does what they say in one pass
 /// over the bytes of the frames: elements are paired with bytes, and the mean of a byte is the same
-/// for all elements that it is paired with. GUI thread.
+/// for all elements that it is paired with. Of the means only those are kept that can be asked for,
+/// which are few. GUI thread.
 class BadpixelDetector : public QObject
 {
     Q_OBJECT
@@ -181,19 +181,31 @@ protected:
         unsigned int sum = 0; ///< of its elements, wrapping
     };
 
+    /// Some of the means of a line.
+    struct Segment
+    {
+        static constexpr int Bytes = 128;
+
+        int x = 0; ///< of the first one, a multiple of Bytes
+        int y = 0;
+        int count = 0; ///< Bytes, or what is left of the line
+        quint8 greatest = 0;
+        std::array<quint8, Bytes> means = {};
+    };
+
     /// Averages the frames and sums the planes that the colour mode asks for; emits
     /// detectionFinished() before an exception leaves it.
-    void accumulate();
+    /// @param least kept are the segments with a mean above it
+    void accumulate(unsigned int least);
 
     int m_colorMode = RawBayer8;
     const QVector<QImage>* m_images = nullptr;
-    std::unique_ptr<Matrix<quint8>> m_means; ///< of all bytes of the frames, in their order
-    std::vector<quint8> m_greatestMeans;     ///< of each line
+    std::vector<Segment> m_segments; ///< in the order of the lines
     std::vector<Plane> m_planes;
     const std::array<SamplingPattern, 5> m_patterns;
 
 private:
-    void makeMatrices();
+    void makePlanes();
     void checkFrames() const;
-    void average();
+    void average(unsigned int least);
 };

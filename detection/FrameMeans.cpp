@@ -7,6 +7,7 @@
 #include <utility>
 
 #ifdef VORN_HAS_HIGHWAY
+#include <hwy/cache_control.h>
 #include <hwy/highway.h>
 #endif
 
@@ -20,7 +21,7 @@ constexpr unsigned int MaxFramesInVectors = 128;
 
 } // namespace
 
-detection::FrameMeans::FrameMeans(std::vector<const quint8*> frames)
+FrameMeans::FrameMeans(std::vector<const quint8*> frames)
     : m_frames(std::move(frames))
     , m_count(static_cast<unsigned int>(m_frames.size()))
 {
@@ -49,7 +50,7 @@ using Sums = hn::Repartition<std::uint64_t, Bytes>;
 constexpr Bytes ByteTag;
 constexpr Words WordTag;
 
-/// What is summed up along a line, lane by lane.
+/// What is summed up along a run, lane by lane.
 struct LaneSums
 {
     hn::Vec<Sums> even = hn::Zero(Sums());
@@ -57,28 +58,35 @@ struct LaneSums
     hn::Vec<Bytes> greatest = hn::Zero(Bytes());
 };
 
+// The hardware fetches what comes next of a stream within a page of memory, but not beyond, and
+// has only so many streams: with ten frames it is asked for it.
+constexpr std::size_t BytesAhead = 1024;
+
 /// The means of Vectors vectors of bytes from byte @p at on.
 template <std::size_t Vectors>
 HWY_INLINE void meanBlock(const std::vector<const quint8*>& frames, std::size_t at, quint16 factor,
                           int shift, quint8* means, LaneSums& sums)
 {
     const std::size_t lanes = hn::Lanes(ByteTag);
-    const auto low = hn::Set(WordTag, 0x00ff);
-    hn::Vec<Words> even[Vectors];
+    // Of pairs of bytes, as words and thus modulo 2^16, and of the odd bytes, which leaves the sums
+    // of the even ones, all of them below 2^16.
+    hn::Vec<Words> pairs[Vectors];
     hn::Vec<Words> odd[Vectors];
     for (std::size_t v = 0; v < Vectors; ++v) {
-        even[v] = odd[v] = hn::Zero(WordTag);
+        pairs[v] = odd[v] = hn::Zero(WordTag);
     }
     for (const quint8* const frame : frames) {
+        hwy::Prefetch(frame + at + BytesAhead);
         for (std::size_t v = 0; v < Vectors; ++v) {
             const auto words = hn::BitCast(WordTag, hn::LoadU(ByteTag, frame + at + v * lanes));
-            even[v] = hn::Add(even[v], hn::And(words, low));
+            pairs[v] = hn::Add(pairs[v], words);
             odd[v] = hn::Add(odd[v], hn::ShiftRight<8>(words));
         }
     }
     const auto factors = hn::Set(WordTag, factor);
     for (std::size_t v = 0; v < Vectors; ++v) {
-        const auto evenMeans = hn::ShiftRightSame(hn::MulHigh(even[v], factors), shift);
+        const auto even = hn::Sub(pairs[v], hn::ShiftLeft<8>(odd[v]));
+        const auto evenMeans = hn::ShiftRightSame(hn::MulHigh(even, factors), shift);
         const auto oddMeans = hn::ShiftRightSame(hn::MulHigh(odd[v], factors), shift);
         const auto both = hn::BitCast(ByteTag, hn::Or(evenMeans, hn::ShiftLeft<8>(oddMeans)));
         hn::StoreU(both, ByteTag, means + v * lanes);
@@ -90,11 +98,10 @@ HWY_INLINE void meanBlock(const std::vector<const quint8*>& frames, std::size_t 
 
 } // namespace
 
-detection::LineOfMeans detection::FrameMeans::line(std::size_t first, std::size_t count,
-                                                   quint8* means) const
+FrameMeans::Run FrameMeans::run(std::size_t first, std::size_t count, quint8* means) const
 {
     std::size_t done = 0;
-    LineOfMeans line;
+    Run run;
     if (m_count <= MaxFramesInVectors) {
         const std::size_t lanes = hn::Lanes(ByteTag);
         constexpr std::size_t Together = 4;
@@ -105,28 +112,27 @@ detection::LineOfMeans detection::FrameMeans::line(std::size_t first, std::size_
         for (; done + lanes <= count; done += lanes) {
             meanBlock<1>(m_frames, first + done, m_factor, m_shift, means + done, sums);
         }
-        line.evenSum = static_cast<quint32>(hn::GetLane(hn::SumOfLanes(Sums(), sums.even)));
-        line.oddSum = static_cast<quint32>(hn::GetLane(hn::SumOfLanes(Sums(), sums.odd)));
-        line.greatest = hn::GetLane(hn::MaxOfLanes(ByteTag, sums.greatest));
+        run.evenSum = static_cast<quint32>(hn::GetLane(hn::SumOfLanes(Sums(), sums.even)));
+        run.oddSum = static_cast<quint32>(hn::GetLane(hn::SumOfLanes(Sums(), sums.odd)));
+        run.greatest = hn::GetLane(hn::MaxOfLanes(ByteTag, sums.greatest));
     }
-    lineEnd(first, done, count, means, line);
-    return line;
+    runEnd(first, done, count, means, run);
+    return run;
 }
 
 #else
 
-detection::LineOfMeans detection::FrameMeans::line(std::size_t first, std::size_t count,
-                                                   quint8* means) const
+FrameMeans::Run FrameMeans::run(std::size_t first, std::size_t count, quint8* means) const
 {
-    LineOfMeans line;
-    lineEnd(first, 0, count, means, line);
-    return line;
+    Run run;
+    runEnd(first, 0, count, means, run);
+    return run;
 }
 
 #endif
 
-void detection::FrameMeans::lineEnd(std::size_t first, std::size_t begin, std::size_t end,
-                                    quint8* means, LineOfMeans& line) const
+void FrameMeans::runEnd(std::size_t first, std::size_t begin, std::size_t end, quint8* means,
+                        Run& run) const
 {
     for (std::size_t x = begin; x < end; ++x) {
         quint32 sum = 0;
@@ -134,7 +140,7 @@ void detection::FrameMeans::lineEnd(std::size_t first, std::size_t begin, std::s
             sum += frame[first + x];
         }
         means[x] = static_cast<quint8>(sum / m_count);
-        (x % 2 == 0 ? line.evenSum : line.oddSum) += means[x];
-        line.greatest = std::max(line.greatest, means[x]);
+        (x % 2 == 0 ? run.evenSum : run.oddSum) += means[x];
+        run.greatest = std::max(run.greatest, means[x]);
     }
 }

@@ -8,24 +8,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <span>
-
-namespace {
-
-/// How many elements are looked at together for one above the limit.
-constexpr std::size_t Run = 128;
-
-/// Of the bytes, those of another plane between them included.
-quint8 greatest(std::span<const quint8> bytes)
-{
-    quint8 found = 0;
-    for (const quint8 byte : bytes) {
-        found = std::max(found, byte);
-    }
-    return found;
-}
-
-} // namespace
 
 void HotpixelDetector::AddHotpixelIterator::operator()(unsigned int& element, int x, int y)
 {
@@ -40,8 +22,9 @@ HotpixelDetector::HotpixelDetector(int threshold)
 
 void HotpixelDetector::detect(BadpixelListModel* model)
 {
-    accumulate();
-    if (!m_means) {
+    // A limit is never below the threshold.
+    accumulate(static_cast<unsigned int>(std::max(m_threshold, 0)));
+    if (m_planes.empty()) {
         throw std::runtime_error(tr("Not instanced.").toStdString());
     }
     for (const Plane& plane : m_planes) {
@@ -55,26 +38,34 @@ void HotpixelDetector::report(const Plane& plane, BadpixelListModel* model) cons
     const unsigned int limit =
         plane.sum / static_cast<unsigned int>(plane.size) + static_cast<unsigned int>(m_threshold);
     AddHotpixelIterator add(model, limit);
-    const std::span<const quint8> means = m_means->run(0, m_means->size());
-    const QImage& image = m_images->first();
-    ImagePosIterator walk(&image, &plane.pattern, &add);
-    std::size_t left = plane.size;
-    while (left > 0) {
-        const auto y = static_cast<std::size_t>(walk.y);
-        // The walk may end a line with the first pixel of the next.
-        const quint8 nextGreatest = y + 1 < m_greatestMeans.size() ? m_greatestMeans[y + 1] : 0;
-        const bool nothingOnLine = std::max(m_greatestMeans[y], nextGreatest) <= limit;
-        const std::size_t steps =
-            std::min(nothingOnLine ? walk.stepsOnLine() : std::min(walk.stepsOnLine(), Run), left);
-        const auto begin = static_cast<std::size_t>(walk.byteIndex());
-        const std::size_t step = plane.pattern.stepX;
-        if (!nothingOnLine && greatest(means.subspan(begin, (steps - 1) * step + 1)) > limit) {
-            for (std::size_t i = 0; i < steps; ++i) {
-                unsigned int element = means[begin + i * step];
-                add(element, walk.x + static_cast<int>(i * step), walk.y);
+    const SamplingPattern& pattern = plane.pattern;
+    const ImagePosIterator walk(&m_images->first(), &pattern, &add);
+    const int width = walk.image->width();
+    const bool goesPastTheLine = (width - pattern.startX) % pattern.stepX == 0;
+    const auto isWalked = [&pattern](int y) {
+        return y >= pattern.startY && (y - pattern.startY) % pattern.stepY == 0;
+    };
+    const auto visit = [&](unsigned int mean, int x, int y) {
+        if (mean <= limit) {
+            return; // as nearly all, and quicker
+        }
+        const auto line = static_cast<std::size_t>((y - pattern.startY) / pattern.stepY);
+        const auto step = static_cast<std::size_t>((x - pattern.startX) / pattern.stepX);
+        if (line * walk.stepsOnLine() + step < plane.size) {
+            add(mean, x, y);
+        }
+    };
+    for (const Segment& segment : m_segments) {
+        if (segment.greatest <= limit) {
+            continue;
+        }
+        if (segment.x == 0 && goesPastTheLine && isWalked(segment.y - 1)) {
+            visit(segment.means.front(), width, segment.y - 1);
+        }
+        if (isWalked(segment.y)) {
+            for (int i = pattern.startX; i < segment.count; i += pattern.stepX) {
+                visit(segment.means[static_cast<std::size_t>(i)], segment.x + i, segment.y);
             }
         }
-        walk.advance(steps);
-        left -= steps;
     }
 }

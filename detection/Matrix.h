@@ -39,16 +39,22 @@ public:
         using std::out_of_range::out_of_range;
     };
 
-    /// @param sizeY number of rows, which comes first here.
-    /// @param sizeX number of columns.
     /// @throws std::length_error "Matrix has no size" when either is 0.
-    Matrix(unsigned sizeY, unsigned sizeX)
-        : m_sizeX(sizeX)
-        , m_sizeY(sizeY)
+    static void checkSize(unsigned sizeY, unsigned sizeX)
     {
         if (sizeX == 0 || sizeY == 0) {
             throw std::length_error(tr("Matrix has no size").toStdString());
         }
+    }
+
+    /// @param sizeY number of rows, which comes first here.
+    /// @param sizeX number of columns.
+    /// @throws std::length_error as checkSize() does.
+    Matrix(unsigned sizeY, unsigned sizeX)
+        : m_sizeX(sizeX)
+        , m_sizeY(sizeY)
+    {
+        checkSize(sizeY, sizeX);
         m_data = std::make_unique_for_overwrite<T[]>(std::size_t{sizeX} * sizeY);
     }
 
@@ -75,17 +81,6 @@ public:
                 it((*this)(x, y));
             }
         }
-    }
-
-    /// Number of elements.
-    [[nodiscard]] std::size_t size() const { return std::size_t{m_sizeX} * m_sizeY; }
-
-    /// The elements from number @p first, 0 … size(), on in the order of iterate(): @p count, or as
-    /// many as there are. For passes over many elements at once, which compile to plain loops.
-    [[nodiscard]] std::span<T> run(std::size_t first, std::size_t count)
-    {
-        const std::span<T> all(m_data.get(), size());
-        return all.subspan(first, std::min(count, all.size() - first));
     }
 
 private:

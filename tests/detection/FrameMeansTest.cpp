@@ -33,26 +33,26 @@ TEST(FrameMeans, AreExactForEverySumOfAnyNumberOfFrames)
             }
         }
         std::vector<quint8> means(sums);
-        const detection::FrameMeans frameMeans(beginsOf(frames));
-        frameMeans.line(0, sums, means.data());
+        const FrameMeans frameMeans(beginsOf(frames));
+        frameMeans.run(0, sums, means.data());
         for (std::size_t sum = 0; sum < sums; ++sum) {
             ASSERT_EQ(means[sum], sum / count) << sum << " of " << count << " frames";
         }
     }
 }
 
-TEST(FrameMeans, SumAndGreatestAreThoseOfTheLineFromAnyByteOnAndOfAnyLength)
+TEST(FrameMeans, SumAndGreatestAreThoseOfTheRunFromAnyByteOnAndOfAnyLength)
 {
     std::mt19937 random(7);
     Frames frames(10, std::vector<quint8>(400));
     for (std::vector<quint8>& frame : frames) {
         std::generate(frame.begin(), frame.end(), [&] { return static_cast<quint8>(random()); });
     }
-    const detection::FrameMeans frameMeans(beginsOf(frames));
+    const FrameMeans frameMeans(beginsOf(frames));
     for (std::size_t first = 0; first < 40; ++first) {
         for (std::size_t length = 0; length <= 200; ++length) {
             std::vector<quint8> means(length + 1, 77);
-            const detection::LineOfMeans line = frameMeans.line(first, length, means.data());
+            const FrameMeans::Run run = frameMeans.run(first, length, means.data());
             quint32 sums[2] = {};
             quint8 greatest = 0;
             for (std::size_t x = 0; x < length; ++x) {
@@ -64,10 +64,10 @@ TEST(FrameMeans, SumAndGreatestAreThoseOfTheLineFromAnyByteOnAndOfAnyLength)
                 sums[x % 2] += sum / 10;
                 greatest = std::max(greatest, static_cast<quint8>(sum / 10));
             }
-            ASSERT_EQ(line.evenSum, sums[0]) << first << ", " << length;
-            ASSERT_EQ(line.oddSum, sums[1]) << first << ", " << length;
-            ASSERT_EQ(line.greatest, greatest) << first << ", " << length;
-            ASSERT_EQ(means.back(), 77) << "nothing is written behind the line";
+            ASSERT_EQ(run.evenSum, sums[0]) << first << ", " << length;
+            ASSERT_EQ(run.oddSum, sums[1]) << first << ", " << length;
+            ASSERT_EQ(run.greatest, greatest) << first << ", " << length;
+            ASSERT_EQ(means.back(), 77) << "nothing is written behind the run";
         }
     }
 }

@@ -130,16 +130,3 @@ TEST(Matrix, LetsAVisitorsExceptionPassAndKeepsWhatWasWritten)
     EXPECT_EQ(matrix(0, 1), 2U);
     EXPECT_EQ(matrix(1, 1), 3U);
 }
-
-TEST(Matrix, HandsOutRunsInTheOrderOfItsVisits)
-{
-    FrameMatrix matrix(2, 3);
-    NumberIterator number;
-    matrix.iterate(number);
-    EXPECT_EQ(matrix.size(), 6U);
-    const auto run = matrix.run(1, 3);
-    EXPECT_EQ((std::vector<unsigned>(run.begin(), run.end())), (std::vector<unsigned>{1, 2, 3}));
-    const auto last = matrix.run(4, 3);
-    EXPECT_EQ((std::vector<unsigned>(last.begin(), last.end())), (std::vector<unsigned>{4, 5}));
-    EXPECT_TRUE(matrix.run(6, 3).empty());
-}
