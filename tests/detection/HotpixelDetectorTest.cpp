@@ -219,7 +219,7 @@ TEST(HotpixelDetector, FindsWhatTheReferenceFinds)
                 if (colorMode == RawBayer8 && (size.width < 2 || size.height < 2)) {
                     continue;
                 }
-                for (const int threshold : {0, 5, 25, 100}) {
+                for (const int threshold : {-3, 0, 5, 25, 100}) {
                     ASSERT_EQ(detected(colorMode, frames, threshold),
                               expected(colorMode, frames, threshold))
                         << size.width << " x " << size.height << ", mode " << colorMode << ", "
