@@ -16,30 +16,17 @@ constexpr std::size_t FramesAtOnce = 8;
 /// What a pass over the frames does with its accumulators stays in the cache for the next pass.
 constexpr std::size_t PixelsAtOnce = 2048;
 
-/// Where the accumulators of some pixels stand.
-template <typename Pixel, typename Square>
-struct Target
-{
-    std::uint32_t* sums;
-    Square* squares;
-    Pixel* least;
-    Pixel* greatest;
-};
-
 /// Adds @p Frames values to each of @p count pixels. The first values are written without reading
-/// what was there.
+/// what was there. Only of parameters the compiler believes that they do not overlap, and only then
+/// it makes vector code.
 template <std::size_t Frames, bool First, typename Pixel, typename Square>
-void fold(const std::array<const Pixel*, FramesAtOnce>& frames, std::size_t count,
-          const Target<Pixel, Square>& target)
+void fold(const Pixel* const* frames, std::size_t count, std::uint32_t* __restrict sums,
+          Square* __restrict squares, Pixel* __restrict least, Pixel* __restrict greatest)
 {
     // Eight 8-bit values have a sum of 16 bits, which doubles the width of the vectors.
     using Sum = std::conditional_t<sizeof(Pixel) == 1, std::uint16_t, std::uint32_t>;
-    std::array<const Pixel*, Frames> rows;
-    std::copy_n(frames.begin(), Frames, rows.begin());
-    std::uint32_t* __restrict const sums = target.sums;
-    Square* __restrict const squares = target.squares;
-    Pixel* __restrict const least = target.least;
-    Pixel* __restrict const greatest = target.greatest;
+    const Pixel* rows[Frames];
+    std::copy_n(frames, Frames, rows);
     for (std::size_t i = 0; i < count; ++i) {
         Sum sum = 0;
         Square square = 0;
@@ -64,8 +51,7 @@ void fold(const std::array<const Pixel*, FramesAtOnce>& frames, std::size_t coun
 }
 
 template <typename Pixel, typename Square>
-using Fold = void (*)(const std::array<const Pixel*, FramesAtOnce>&, std::size_t,
-                      const Target<Pixel, Square>&);
+using Fold = void (*)(const Pixel* const*, std::size_t, std::uint32_t*, Square*, Pixel*, Pixel*);
 
 template <bool First, typename Pixel, typename Square>
 Fold<Pixel, Square> foldOf(std::size_t frames)
@@ -89,15 +75,15 @@ double scaledVariance(std::uint64_t frames, std::uint32_t sum, std::uint64_t squ
 
 template <typename Pixel, typename Square>
 DarkStack::Extremes<Pixel, Square>::Extremes(std::size_t count)
-    : squares(std::make_unique_for_overwrite<Square[]>(count))
-    , least(std::make_unique_for_overwrite<Pixel[]>(count))
-    , greatest(std::make_unique_for_overwrite<Pixel[]>(count))
+    : squares(count)
+    , least(count)
+    , greatest(count)
 {}
 
 DarkStack::DarkStack(const ImageInfo& info)
     : m_info(info)
     , m_pixelCount(std::size_t{info.width} * info.height)
-    , m_sums(std::make_unique_for_overwrite<std::uint32_t[]>(m_pixelCount))
+    , m_sums(m_pixelCount)
     , m_extremes(info.bitsPerPixel == 16 ? std::variant<Narrow, Wide>(Wide(m_pixelCount))
                                          : std::variant<Narrow, Wide>(Narrow(m_pixelCount)))
 {}
@@ -131,9 +117,6 @@ void DarkStack::addTo(Extremes<Pixel, Square>& extremes, std::span<const QImage>
     for (std::size_t y = 0; y < m_info.height; ++y) {
         for (std::size_t x = 0; x < width; x += PixelsAtOnce) {
             const std::size_t pixel = y * width + x;
-            const Target<Pixel, Square> target{m_sums.get() + pixel, extremes.squares.get() + pixel,
-                                               extremes.least.get() + pixel,
-                                               extremes.greatest.get() + pixel};
             const std::size_t count = std::min(PixelsAtOnce, width - x);
             bool isFirst = m_frameCount == 0;
             for (std::size_t done = 0; done < frames.size(); done += FramesAtOnce) {
@@ -144,7 +127,8 @@ void DarkStack::addTo(Extremes<Pixel, Square>& extremes, std::span<const QImage>
                 }
                 const auto add =
                     isFirst ? foldOf<true, Pixel, Square>(now) : foldOf<false, Pixel, Square>(now);
-                add(rows, count, target);
+                add(rows.data(), count, m_sums.data() + pixel, extremes.squares.data() + pixel,
+                    extremes.least.data() + pixel, extremes.greatest.data() + pixel);
                 isFirst = false;
             }
         }
@@ -176,7 +160,7 @@ void DarkStack::greatestOfRow(std::uint32_t y, std::span<std::uint16_t> values) 
 {
     std::visit(
         [&](const auto& extremes) {
-            std::copy_n(extremes.greatest.get() + std::size_t{y} * m_info.width, values.size(),
+            std::copy_n(extremes.greatest.data() + std::size_t{y} * m_info.width, values.size(),
                         values.begin());
         },
         m_extremes);

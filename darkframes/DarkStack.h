@@ -2,11 +2,11 @@
 #pragma once
 
 #include "camera/ImageInfo.h"
+#include "darkframes/LargeArray.h"
 
 #include <QImage>
 
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <variant>
 
@@ -40,7 +40,7 @@ public:
     /// The sum of the values of each pixel.
     [[nodiscard]] std::span<const std::uint32_t> sums() const
     {
-        return {m_sums.get(), m_pixelCount};
+        return {m_sums.data(), m_pixelCount};
     }
     [[nodiscard]] std::span<const std::uint32_t> sumsOfRow(std::uint32_t y) const
     {
@@ -64,9 +64,9 @@ private:
     {
         explicit Extremes(std::size_t count);
 
-        std::unique_ptr<Square[]> squares;
-        std::unique_ptr<Pixel[]> least;
-        std::unique_ptr<Pixel[]> greatest;
+        darkframes::LargeArray<Square> squares;
+        darkframes::LargeArray<Pixel> least;
+        darkframes::LargeArray<Pixel> greatest;
     };
     using Narrow = Extremes<std::uint8_t, std::uint32_t>;
     using Wide = Extremes<std::uint16_t, std::uint64_t>;
@@ -78,6 +78,6 @@ private:
     ImageInfo m_info;
     std::size_t m_pixelCount;
     std::uint32_t m_frameCount = 0;
-    std::unique_ptr<std::uint32_t[]> m_sums;
+    darkframes::LargeArray<std::uint32_t> m_sums;
     std::variant<Narrow, Wide> m_extremes;
 };
