@@ -102,3 +102,37 @@ if starts:
         "%d ms" % statistics.median(starts), "350 ms")
     if live:
         row("20 megapixels at 2 frames per second", "%d %% of a core" % live[0], "15 %")
+
+
+# --- how the figures grow
+
+table("how it grows", "from", "to", "times as much", "ms", "ms", "times as long")
+
+
+def growth(what, first, last, times, before, after):
+    row(what, first, last, "%.0f" % times, "%.3g" % before, "%.3g" % after, "%.1f" % (after / before))
+
+
+Megapixels = {"1280": 1280 * 1024 / 1e6, "5472": 5472 * 3648 / 1e6}
+
+
+def of_sensor(what, results, key, **wanted):
+    found = {}
+    for name, run in results.items():
+        parts = dict(part.split(":") for part in name.split("/") if ":" in part)
+        if parts.get("width") in Megapixels and key in run and wanted.items() <= parts.items():
+            found[parts["width"]] = run[key]
+    growth(what, "1.3 megapixels", "20", Megapixels["5472"] / Megapixels["1280"], found["1280"], found["5472"])
+
+
+of_sensor("detection, monochrome", detection, "detect_ms", mode="6")
+of_sensor("detection, Bayer", detection, "detect_ms", mode="11")
+of_sensor("stacking ten frames of 8 bits", dark, "stack_ms", bits="8")
+of_sensor("stacking ten frames of 16 bits", dark, "stack_ms", bits="16")
+of_sensor("survey of ten PNG files of 8 bits", dark, "survey_ms", bits="8")
+of_sensor("survey of ten PNG files of 16 bits", dark, "survey_ms", bits="16")
+more = {int(name.split(":")[1].split("/")[0]): milliseconds(run)
+        for name, run in dark.items() if name.startswith("surveyOfMoreFiles/")}
+growth("survey of PNG files of 1.3 megapixels", "10 frames", "1,000", 100, more[10], more[1000])
+for command, times in commands.items():
+    growth(command, "10 entries", "50,000", 5000, times[10], times[50000])

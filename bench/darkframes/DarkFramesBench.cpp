@@ -202,6 +202,25 @@ void surveyOfFiles(benchmark::State& state)
     state.counters["to_decode"] = whole.seconds() / decoding.seconds();
 }
 
+/// What a survey of more and more files of 1.3 megapixels takes; the files repeat themselves.
+/// Argument: frames.
+void surveyOfMoreFiles(benchmark::State& state)
+{
+    const QTemporaryDir folder;
+    for (unsigned i = 0; i < FrameCount; ++i) {
+        darkframes::saveFrame(darkFrame(1280, 1024, 8, i),
+                              folder.filePath(darkframes::frameFileName(i)));
+    }
+    const QStringList different = darkframes::frameFiles({folder.path()});
+    QStringList files;
+    while (files.size() < state.range(0)) {
+        files += different;
+    }
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(survey(files));
+    }
+}
+
 } // namespace
 
 BENCHMARK(stacking)
@@ -218,6 +237,13 @@ BENCHMARK(surveyOfFiles)
     ->ArgsProduct({{5472}, {3648}, {8, 16}})
     ->UseManualTime()
     ->Iterations(3)
+    ->Unit(benchmark::kMillisecond);
+
+BENCHMARK(surveyOfMoreFiles)
+    ->ArgName("frames")
+    ->RangeMultiplier(10)
+    ->Range(10, 1000)
+    ->Iterations(1)
     ->Unit(benchmark::kMillisecond);
 
 int main(int argc, char** argv)
