@@ -2,11 +2,18 @@
 #pragma once
 
 #include "cli/Console.h"
+#include "support/Utf8Locale.h"
 
 #include <QByteArray>
 
 #include <cstdio>
 #include <memory>
+
+/// As the console shows @p text where the tests run: in a locale without "×" that is an "x".
+inline QByteArray asShown(QByteArray text)
+{
+    return support::environmentShowsUtf8() ? text : text.replace("×", "x");
+}
 
 /// A console whose two outputs can be read, and whose input is empty.
 class RecordedConsole
