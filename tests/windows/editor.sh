@@ -84,8 +84,10 @@ shows_live_frames() {
 }
 
 asks_for_detection() { click 123 39 && within 5 count_windows "Hotpixel detection" -gt 0; }
+# Without the row of its buttons, of which the default one pulses.
 dialogue_picture() {
-  import -window "$(windows_named "Hotpixel detection" | head -n 1)" "$1"
+  import -window "$(windows_named "Hotpixel detection" | head -n 1)" "$1" &&
+    mogrify -gravity south -chop 0x50 "$1"
 }
 # Escape would stop a detection, so it waits until the dialogue does not change any more.
 detection_ends() {
