@@ -12,7 +12,9 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
+#include <fstream>
 #include <random>
+#include <string>
 #include <vector>
 
 namespace {
@@ -123,7 +125,23 @@ void redrawAtScaleFour(benchmark::State& state, QImage::Format format)
     });
 }
 
-/// The largest frame as it comes from a camera, drawn and put on the label.
+/// A figure of the process's memory in bytes, or 0 where the system does not tell.
+double memoryOf(const char* key)
+{
+    std::ifstream status("/proc/self/status");
+    const std::string wanted = std::string(key) + ':';
+    for (std::string word; status >> word;) {
+        if (word == wanted) {
+            double kib = 0;
+            status >> kib;
+            return kib * 1024;
+        }
+    }
+    return 0;
+}
+
+/// The largest frame as it comes from a camera, drawn and put on the label. The counter "memory" is
+/// the most that it took at any moment beyond the frame, to the size of what the label shows.
 void redrawOf20Megapixels(benchmark::State& state, double scale)
 {
     constexpr int LargeWidth = 5472;
@@ -142,10 +160,14 @@ void redrawOf20Megapixels(benchmark::State& state, double scale)
     display.setModel(&model);
     display.setHighlight(true);
     display.setScale(scale);
+    const double before = memoryOf("VmRSS");
+    std::ofstream("/proc/self/clear_refs") << 5; // the peak is counted from here on
     display.setImage(frame);
     for (auto _ : state) {
         state.SetIterationTime(secondsOf([&] { display.setImage(frame); }));
     }
+    const double shown = 4.0 * LargeWidth * LargeHeight * scale * scale;
+    state.counters["memory"] = (memoryOf("VmHWM") - before) / shown;
 }
 
 void magnifierMoves(benchmark::State& state)
