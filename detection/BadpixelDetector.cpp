@@ -33,6 +33,11 @@ std::size_t BadpixelDetector::ImageIterator::stepsOnLine() const
     return static_cast<std::size_t>((image->width() - x) / pattern->stepX) + 1;
 }
 
+bool BadpixelDetector::ImageIterator::goesPastTheLine() const
+{
+    return (image->width() - pattern->startX) % pattern->stepX == 0;
+}
+
 void BadpixelDetector::ImageIterator::advance(std::size_t steps)
 {
     x += static_cast<int>(steps) * pattern->stepX;
@@ -156,10 +161,6 @@ void BadpixelDetector::average(unsigned int least)
     }
     const FrameMeans frameMeans(std::move(bytes));
     const QSize size = m_images->first().size();
-    const auto byteAt = [&size](int x, int y) {
-        return static_cast<std::size_t>(y) * static_cast<std::size_t>(size.width()) +
-               static_cast<std::size_t>(x);
-    };
     struct Line
     {
         unsigned int evenSum = 0;
@@ -168,14 +169,15 @@ void BadpixelDetector::average(unsigned int least)
     };
     std::vector<Line> lines(static_cast<std::size_t>(size.height()));
     m_segments.clear();
+    std::size_t byte = 0;
     Segment segment;
     for (segment.y = 0; segment.y < size.height(); ++segment.y) {
         Line& line = lines[static_cast<std::size_t>(segment.y)];
         for (segment.x = 0; segment.x < size.width(); segment.x += Segment::Bytes) {
             segment.count = std::min(Segment::Bytes, size.width() - segment.x);
-            const FrameMeans::Run run =
-                frameMeans.run(byteAt(segment.x, segment.y),
-                               static_cast<std::size_t>(segment.count), segment.means.data());
+            const auto count = static_cast<std::size_t>(segment.count);
+            const FrameMeans::Run run = frameMeans.run(byte, count, segment.means.data());
+            byte += count;
             line.evenSum += run.evenSum;
             line.oddSum += run.oddSum;
             line.first = segment.x == 0 ? segment.means.front() : line.first;
@@ -188,7 +190,6 @@ void BadpixelDetector::average(unsigned int least)
 
     for (Plane& plane : m_planes) {
         const SamplingPattern& pattern = plane.pattern;
-        const bool goesPastTheLine = (size.width() - pattern.startX) % pattern.stepX == 0;
         ImagePosIterator walk(&m_images->first(), &pattern, nullptr);
         std::size_t left = plane.size;
         for (; left >= walk.stepsOnLine(); walk.advance(walk.stepsOnLine())) {
@@ -197,11 +198,12 @@ void BadpixelDetector::average(unsigned int least)
             plane.sum += pattern.stepX == 1    ? line.evenSum + line.oddSum
                          : pattern.startX == 0 ? line.evenSum
                                                : line.oddSum;
-            plane.sum += goesPastTheLine ? lines[static_cast<std::size_t>(walk.y) + 1].first : 0U;
+            plane.sum +=
+                walk.goesPastTheLine() ? lines[static_cast<std::size_t>(walk.y) + 1].first : 0U;
         }
         for (; left > 0; --left) { // the last line has fewer
             quint8 mean = 0;
-            frameMeans.run(byteAt(walk.x, walk.y), 1, &mean);
+            frameMeans.run(static_cast<std::size_t>(walk.byteIndex()), 1, &mean);
             plane.sum += mean;
             walk.advance();
         }

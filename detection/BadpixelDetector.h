@@ -86,6 +86,9 @@ public:
         /// How many steps the walk has on its current line, from the current position on.
         [[nodiscard]] std::size_t stepsOnLine() const;
 
+        /// Whether the last step on a line is the one to x == width.
+        [[nodiscard]] bool goesPastTheLine() const;
+
         /// Goes on by @p steps, 1 … stepsOnLine().
         void advance(std::size_t steps = 1);
 

@@ -59,7 +59,8 @@ struct LaneSums
 };
 
 // The hardware fetches what comes next of a stream within a page of memory, but not beyond, and
-// has only so many streams: with ten frames it is asked for it.
+// has only so many streams: with ten frames it is asked for it. Behind the end of a frame it finds
+// nothing, and says nothing.
 constexpr std::size_t BytesAhead = 1024;
 
 /// The means of Vectors vectors of bytes from byte @p at on.

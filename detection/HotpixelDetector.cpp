@@ -40,8 +40,6 @@ void HotpixelDetector::report(const Plane& plane, BadpixelListModel* model) cons
     AddHotpixelIterator add(model, limit);
     const SamplingPattern& pattern = plane.pattern;
     const ImagePosIterator walk(&m_images->first(), &pattern, &add);
-    const int width = walk.image->width();
-    const bool goesPastTheLine = (width - pattern.startX) % pattern.stepX == 0;
     const auto isWalked = [&pattern](int y) {
         return y >= pattern.startY && (y - pattern.startY) % pattern.stepY == 0;
     };
@@ -59,8 +57,9 @@ void HotpixelDetector::report(const Plane& plane, BadpixelListModel* model) cons
         if (segment.greatest <= limit) {
             continue;
         }
-        if (segment.x == 0 && goesPastTheLine && isWalked(segment.y - 1)) {
-            visit(segment.means.front(), width, segment.y - 1);
+        // A walk may end a line with the first pixel of the next.
+        if (segment.x == 0 && walk.goesPastTheLine() && isWalked(segment.y - 1)) {
+            visit(segment.means.front(), walk.image->width(), segment.y - 1);
         }
         if (isWalked(segment.y)) {
             for (int i = pattern.startX; i < segment.count; i += pattern.stepX) {

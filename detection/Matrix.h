@@ -3,10 +3,8 @@
 
 #include <QCoreApplication>
 
-#include <algorithm>
 #include <cstddef>
 #include <memory>
-#include <span>
 #include <stdexcept>
 
 /// A matrix of numbers that is worked on by visitors; its storage stays inside.

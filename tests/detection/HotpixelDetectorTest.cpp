@@ -173,6 +173,34 @@ TEST(HotpixelDetector, LeavesOutTheEndOfTheImage)
     EXPECT_THAT(detected(Mono8, {frame}, 40), testing::Contains(QPoint(0, 3)));
 }
 
+TEST(HotpixelDetector, ReportsOneAboveTheThresholdOnABlackSensor)
+{
+    QImage frame = uniformFrame(40, 40, 0);
+    setPixel(frame, 3, 2, 41);
+    // The mean is 41 / 1600, truncated to 0, so there is no lower limit than this one.
+    EXPECT_EQ(detected(Mono8, {frame}, 40).size(), 1U);
+    EXPECT_EQ(detected(Mono8, {frame}, 41), std::vector<QPoint>());
+}
+
+TEST(HotpixelDetector, ForgetsTheFramesOfADetectionBefore)
+{
+    QVector<QImage> frames{uniformFrame(40, 40, 0)};
+    HotpixelDetector detector(40);
+    detector.setImages(Mono8, &frames);
+    setPixel(frames.first(), 3, 0, 90);
+    BadpixelListModel before;
+    before.setMaxUserEntries(Unlimited);
+    detector.detect(&before);
+    EXPECT_EQ(positionsOf(before), (std::vector<QPoint>{{3, 0}}));
+
+    frames = {uniformFrame(40, 40, 0)};
+    setPixel(frames.first(), 5, 0, 90);
+    BadpixelListModel after;
+    after.setMaxUserEntries(Unlimited);
+    detector.detect(&after);
+    EXPECT_EQ(positionsOf(after), (std::vector<QPoint>{{5, 0}}));
+}
+
 TEST(HotpixelDetector, AddsANegativeThresholdUnsigned)
 {
     QImage frame = uniformFrame(10, 10, 20);
