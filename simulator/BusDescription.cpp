@@ -30,6 +30,19 @@ struct Text
     throw std::runtime_error(text.toStdString());
 }
 
+/// @p text from a file as a message can show it: no longer than a line, and on one line.
+QString shown(const QString& text)
+{
+    constexpr qsizetype Most = 40;
+    QString line = text.left(Most);
+    for (QChar& letter : line) {
+        if (!letter.isPrint()) {
+            letter = QLatin1Char('?');
+        }
+    }
+    return line;
+}
+
 /// The values of one group of the settings file. Each is asked for once; what is left over at the
 /// end is a mistake.
 class Group
@@ -69,10 +82,10 @@ public:
         const double read = given->toDouble(&isNumber);
         if (!isNumber || !(read >= least && read <= most)) {
             refuse(Text::tr("[%1] %2 must be a number from %3 to %4, not \"%5\"")
-                       .arg(m_name, QLatin1String(key))
+                       .arg(shown(m_name), QLatin1String(key))
                        .arg(least)
                        .arg(most)
-                       .arg(shortened(*given)));
+                       .arg(shown(*given)));
         }
         value = read;
     }
@@ -88,10 +101,10 @@ public:
         const qint64 read = given->toLongLong(&isNumber);
         if (!isNumber || read < least || read > most) {
             refuse(Text::tr("[%1] %2 must be a whole number from %3 to %4, not \"%5\"")
-                       .arg(m_name, QLatin1String(key))
+                       .arg(shown(m_name), QLatin1String(key))
                        .arg(least)
                        .arg(most)
-                       .arg(shortened(*given)));
+                       .arg(shown(*given)));
         }
         value = static_cast<Integer>(read);
     }
@@ -103,8 +116,8 @@ public:
         const qsizetype index = words.indexOf(given);
         if (index < 0) {
             refuse(Text::tr("[%1] %2 must be %3, not \"%4\"")
-                       .arg(m_name, QLatin1String(key), words.join(Text::tr(" or ")),
-                            shortened(given)));
+                       .arg(shown(m_name), QLatin1String(key), words.join(Text::tr(" or ")),
+                            shown(given)));
         }
         return index;
     }
@@ -122,7 +135,7 @@ public:
         if (value.isEmpty() || value.size() > 15 ||
             !std::all_of(value.begin(), value.end(), isAllowed)) {
             refuse(Text::tr("[%1] %2 must have 1 to 15 plain characters, not \"%3\"")
-                       .arg(m_name, QLatin1String(key), shortened(value)));
+                       .arg(shown(m_name), QLatin1String(key), shown(value)));
         }
     }
 
@@ -130,23 +143,11 @@ public:
     {
         if (!m_unasked.empty()) {
             refuse(Text::tr("[%1] there is no setting \"%2\"")
-                       .arg(m_name, shortened(*m_unasked.begin())));
+                       .arg(shown(m_name), shown(*m_unasked.begin())));
         }
     }
 
 private:
-    static QString shortened(const QString& text)
-    {
-        constexpr qsizetype Most = 40;
-        QString line = text.left(Most);
-        for (QChar& letter : line) {
-            if (!letter.isPrint()) {
-                letter = QLatin1Char('?');
-            }
-        }
-        return line;
-    }
-
     const QSettings& m_file;
     QString m_name;
     std::set<QString> m_unasked;
@@ -249,14 +250,14 @@ BusDescription readWholeBus(const QString& fileName)
     std::set<std::uint32_t> devIds;
     const QStringList groups = file.childGroups();
     if (!file.childKeys().isEmpty()) {
-        refuse(Text::tr("\"%1\" stands outside of a group").arg(file.childKeys().first().left(40)));
+        refuse(Text::tr("\"%1\" stands outside of a group").arg(shown(file.childKeys().first())));
     }
     for (const QString& name : groups) {
         if (name == QLatin1String("bus")) {
             continue;
         }
         if (!name.startsWith(QLatin1String("camera"))) {
-            refuse(Text::tr("[%1] is neither [bus] nor a camera").arg(name.left(40)));
+            refuse(Text::tr("[%1] is neither [bus] nor a camera").arg(shown(name)));
         }
         constexpr std::size_t MostCameras = 64;
         if (bus.cameras.size() == MostCameras) {

@@ -189,6 +189,14 @@ TEST_F(SettingsFile, WithAMistakeGivesOneClearMessageAndTheBuiltInCameras)
         {"width=3\n", "\"width\" stands outside of a group"},
         {"[bus]\nspeed=0\n", "[bus] speed must be a number from 0.01 to 1000, not \"0\""},
         {"[bus]\ncolour=1\n", "[bus] there is no setting \"colour\""},
+        // INI files may spell any letter of a name with a percent sign, a line's end too.
+        {"wi%0Adth=3\n", "\"wi?dth\" stands outside of a group"},
+        {"[le%0Ans]\nfocus=1\n", "[le?ns] is neither [bus] nor a camera"},
+        {"[camera%0A1]\nwi%0Adth=3\n", "[camera?1] there is no setting \"wi?dth\""},
+        {"[camera%0A1]\nwidth=wide\n",
+         "[camera?1] width must be a whole number from 4 to 16384, not \"wide\""},
+        {"[a123456789b123456789c123456789d123456789e12]\nfocus=1\n",
+         "[a123456789b123456789c123456789d123456789] is neither [bus] nor a camera"},
     };
     for (const auto& mistake : mistakes) {
         EXPECT_EQ(complaint(mistake.text), mistake.complaint);
