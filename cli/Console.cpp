@@ -61,10 +61,11 @@ qsizetype terminalWidth(std::FILE* stream)
 
 } // namespace
 
-Console::Console(std::FILE* in, std::FILE* out, std::FILE* err)
+Console::Console(std::FILE* in, std::FILE* out, std::FILE* err, bool showsUtf8)
     : m_in(in)
     , m_out(out)
     , m_err(err)
+    , m_showsUtf8(showsUtf8)
     , m_canAsk(isTerminal(in))
     , m_showsProgress(isTerminal(err))
 {}
@@ -73,12 +74,14 @@ void Console::result(const QString& text)
 {
     const std::lock_guard lock(m_mutex);
     clearProgressLine();
-    write(m_out, text + u'\n');
+    writeForPeople(m_out, text + u'\n');
 }
 
 void Console::json(const QJsonObject& object)
 {
-    result(QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)));
+    const std::lock_guard lock(m_mutex);
+    clearProgressLine();
+    write(m_out, QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact)) + u'\n');
 }
 
 void Console::notice(const QString& text)
@@ -87,7 +90,7 @@ void Console::notice(const QString& text)
     clearProgressLine();
     // Results that came before have to stand before it where both go to one terminal.
     std::fflush(m_out);
-    write(m_err, text + u'\n');
+    writeForPeople(m_err, text + u'\n');
     std::fflush(m_err);
 }
 
@@ -98,7 +101,7 @@ void Console::setProgressLine(const QString& text)
         return;
     }
     clearProgressLine();
-    write(m_err, text);
+    writeForPeople(m_err, text);
     std::fflush(m_err);
     m_progressLine = text;
 }
@@ -116,7 +119,7 @@ bool Console::confirm(const QString& question, const Interruption& interruption)
         const std::lock_guard lock(m_mutex);
         clearProgressLine();
         std::fflush(m_out);
-        write(m_err, question + QStringLiteral(" [y/N] "));
+        writeForPeople(m_err, question + QStringLiteral(" [y/N] "));
         std::fflush(m_err);
     }
     std::array<char, 64> line{};
@@ -147,6 +150,14 @@ void Console::write(std::FILE* stream, const QString& text)
     if (std::fwrite(bytes.constData(), 1, size, stream) != size && stream == m_out) {
         m_failed = true;
     }
+}
+
+void Console::writeForPeople(std::FILE* stream, QString text)
+{
+    if (!m_showsUtf8) {
+        text.replace(u'×', u'x').replace(u'–', u'-');
+    }
+    write(stream, text);
 }
 
 void Console::clearProgressLine()

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "support/Utf8Locale.h"
+
 #include <QJsonObject>
 #include <QString>
 
@@ -16,13 +18,15 @@ struct CameraShare;
 struct CommandContext;
 
 /// Where a command talks: results to standard output, notices, errors and the progress line to
-/// standard error, questions to the terminal, all in UTF-8. Any thread; a line is never torn by
-/// another.
+/// standard error, questions to the terminal, all in UTF-8. Where people's locale shows no UTF-8,
+/// they read "x" for "×" and "-" for "–"; machines read the same everywhere. Any thread; a line is
+/// never torn by another.
 class Console
 {
 public:
     /// The three streams stay the caller's and must outlive the console.
-    Console(std::FILE* in, std::FILE* out, std::FILE* err);
+    Console(std::FILE* in, std::FILE* out, std::FILE* err,
+            bool showsUtf8 = support::environmentShowsUtf8());
 
     /// Writes @p text and a line end to standard output.
     void result(const QString& text);
@@ -58,11 +62,13 @@ public:
 
 private:
     void write(std::FILE* stream, const QString& text);
+    void writeForPeople(std::FILE* stream, QString text);
     void clearProgressLine();
 
     std::FILE* m_in;
     std::FILE* m_out;
     std::FILE* m_err;
+    bool m_showsUtf8;
     bool m_canAsk;
     bool m_showsProgress;
     bool m_failed = false;

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "cli/EntryText.h"
 
-#include "support/Utf8Locale.h"
-
 #include <QCoreApplication>
 #include <QJsonObject>
 
@@ -62,10 +60,7 @@ QString cli::entryCount(std::size_t count)
 
 QString cli::sizeText(const QSize& size)
 {
-    return QStringLiteral("%1 %2 %3")
-        .arg(size.width())
-        .arg(support::environmentShowsUtf8() ? QChar(u'×') : QChar(u'x'))
-        .arg(size.height());
+    return QStringLiteral("%1 × %2").arg(size.width()).arg(size.height());
 }
 
 const char* cli::BayerPlane::name() const

@@ -24,7 +24,7 @@ QJsonArray entryArray(std::span<const BadpixelEntry> entries);
 /// "1 entry", "2 entries" and the like for user and factory entries.
 QString entryCount(std::size_t count);
 
-/// "64 × 48"; "64 x 48" where the person's locale has no such sign.
+/// "64 × 48"
 QString sizeText(const QSize& size);
 
 // How found hotpixels spread over the four planes of a Bayer sensor. Which colour a plane has

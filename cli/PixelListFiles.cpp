@@ -9,7 +9,6 @@
 #include "pixellists/Mask.h"
 #include "pixellists/PixelListError.h"
 #include "pixellists/PixelListWriting.h"
-#include "support/Utf8Locale.h"
 
 #include <QBuffer>
 #include <QCommandLineParser>
@@ -34,21 +33,6 @@ struct Text
 {
     Q_DECLARE_TR_FUNCTIONS(PixelListFiles)
 };
-
-/// A text with a size in it, where the person's locale may have no × for it.
-QString shown(QString text)
-{
-    return support::environmentShowsUtf8() ? text : text.replace(u'×', u'x');
-}
-
-QStringList shown(const QStringList& texts)
-{
-    QStringList result;
-    for (const QString& text : texts) {
-        result.append(shown(text));
-    }
-    return result;
-}
 
 /// The mask in an image file: a byte is not 0 where the pixel is bad.
 Mask readMask(const QString& fileName, std::optional<unsigned> value)
@@ -226,7 +210,7 @@ ReadList readList(const QString& fileName, const PixelListFormat& format,
     }
     list.pixels = std::move(read.pixels);
     list.badLines = read.badLines;
-    list.notes = shown(read.notes);
+    list.notes = std::move(read.notes);
     return list;
 }
 
@@ -279,7 +263,7 @@ ListToSave makeList(const QString& fileName, const PixelListFormat& format,
         const MaskContent mask = pixellists::maskOf(pixels, writing.size, writing.maskValue);
         list.content = pngOf(mask.mask);
         list.written = mask.written;
-        list.losses = shown(mask.losses);
+        list.losses = mask.losses;
         return list;
     }
     PixelListContent content =
@@ -289,7 +273,7 @@ ListToSave makeList(const QString& fileName, const PixelListFormat& format,
                                       .camera = writing.camera});
     list.content = std::move(content.bytes);
     list.written = content.written;
-    list.losses = shown(content.losses);
+    list.losses = std::move(content.losses);
     return list;
 }
 

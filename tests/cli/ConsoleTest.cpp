@@ -25,6 +25,18 @@ TEST(Console, KeepsResultsAndNoticesApart)
     EXPECT_EQ(recorded.err(), QByteArray("taking frames\n"));
 }
 
+TEST(Console, WritesAsciiToPeopleWhoseLocaleShowsNoUtf8)
+{
+    RecordedConsole recorded(false);
+    recorded.console().result(QStringLiteral("64 × 48"));
+    recorded.console().notice(QStringLiteral("dead – or cold, 64 × 48"));
+    const Interruption interruption;
+    EXPECT_FALSE(recorded.console().confirm(QStringLiteral("64 × 48?"), interruption));
+    recorded.console().json({{QStringLiteral("size"), QStringLiteral("64 × 48")}});
+    EXPECT_EQ(recorded.out(), QByteArray("64 x 48\n{\"size\":\"64 × 48\"}\n"));
+    EXPECT_EQ(recorded.err(), QByteArray("dead - or cold, 64 x 48\n64 x 48? [y/N] \n"));
+}
+
 TEST(Console, ShowsNoProgressAndAsksNothingWithoutATerminal)
 {
     RecordedConsole recorded;

@@ -2,23 +2,21 @@
 #pragma once
 
 #include "cli/Console.h"
-#include "support/Utf8Locale.h"
 
 #include <QByteArray>
 
 #include <cstdio>
 #include <memory>
 
-/// As the console shows @p text where the tests run: in a locale without "×" that is an "x".
-inline QByteArray asShown(QByteArray text)
-{
-    return support::environmentShowsUtf8() ? text : text.replace("×", "x");
-}
-
-/// A console whose two outputs can be read, and whose input is empty.
+/// A console whose two outputs can be read, and whose input is empty. It shows UTF-8 wherever the
+/// tests run.
 class RecordedConsole
 {
 public:
+    explicit RecordedConsole(bool showsUtf8 = true)
+        : m_console(m_in.get(), m_out.get(), m_err.get(), showsUtf8)
+    {}
+
     Console& console() { return m_console; }
 
     [[nodiscard]] QByteArray out() { return contentOf(m_out.get()); }
@@ -45,5 +43,5 @@ private:
     File m_in{std::tmpfile()};
     File m_out{std::tmpfile()};
     File m_err{std::tmpfile()};
-    Console m_console{m_in.get(), m_out.get(), m_err.get()};
+    Console m_console;
 };
