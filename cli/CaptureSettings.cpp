@@ -4,6 +4,7 @@
 #include "camera/Camera.h"
 #include "cli/Command.h"
 #include "cli/Console.h"
+#include "cli/LiveDetection.h"
 
 #include <QCommandLineParser>
 
@@ -16,9 +17,6 @@ constexpr auto AutoOption = "auto";
 constexpr auto ExposureOption = "exposure";
 constexpr auto GainOption = "gain";
 constexpr auto FramerateOption = "framerate";
-
-/// One image may be waiting and one being exposed when the settings change.
-constexpr int FramesBeforeSettings = 2;
 
 /// Dark current grows with time: most hotpixels hide in exposures below this.
 constexpr double ShortExposureMsec = 500;
@@ -54,7 +52,7 @@ QList<QCommandLineOption> CaptureSettings::options()
          tr("Set the camera to its longest exposure at one image per second and a gain of 50 "
             "before. The first %1 images are not used then, since they may have been taken with "
             "the settings before; so it is with the settings below.")
-             .arg(FramesBeforeSettings)},
+             .arg(LiveDetection::FramesBeforeSettings)},
         {QLatin1String(ExposureOption),
          tr("Expose each image for MS milliseconds, which the frame rate limits."),
          QStringLiteral("MS")},
@@ -140,7 +138,7 @@ void CaptureSettings::apply(Camera& camera) const
 int CaptureSettings::skippedFrames() const
 {
     const bool changed = m_automatic || m_framesPerSecond || m_exposureMsec || m_gain;
-    return changed ? FramesBeforeSettings : 0;
+    return changed ? LiveDetection::FramesBeforeSettings : 0;
 }
 
 void cli::reportShortExposure(double exposureMsec, Report& report)

@@ -8,20 +8,17 @@
 #include "cli/Correction.h"
 #include "cli/DarkFrames.h"
 #include "cli/ListedPixels.h"
+#include "cli/LiveDetection.h"
 #include "cli/SeveralCameras.h"
 #include "cli/SurveyOptions.h"
 #include "cli/TextTable.h"
 
 #include <QCommandLineParser>
-#include <QCoreApplication>
 #include <QJsonArray>
 
 #include <algorithm>
 
 namespace {
-
-/// One image may be waiting and one being exposed when the correction is switched.
-constexpr int FramesBeforeSwitching = 2;
 
 class CorrectionCommand
 {
@@ -144,8 +141,7 @@ CorrectionCommand::Proof CorrectionCommand::take(CameraSession& session,
     Proof proof;
     proof.off = listed(capture.skippedFrames());
     correction.set(true);
-    QCoreApplication::processEvents(); // drops the images that have waited since those above
-    proof.on = listed(FramesBeforeSwitching);
+    proof.on = listed(LiveDetection::FramesBeforeSettings);
     correction.set(false);
     return proof;
 }

@@ -9,6 +9,7 @@
 #include "hotpixel/BadpixelListModel.h"
 #include "hotpixel/ListFull.h"
 
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -84,9 +85,10 @@ LiveDetection::Result LiveDetection::take(DetectionRun& run, int skippedFrames)
     silence.setSingleShot(true);
     silence.setInterval(patience(camera.framerate().value, m_leastPatience));
     int images = 0;
+    bool dropsImages = true;
     // All connections end with the loop.
     QObject::connect(&camera, &Camera::newImage, &loop, [&](const QImage& image) {
-        if (image.isNull()) {
+        if (image.isNull() || dropsImages) {
             return;
         }
         silence.start();
@@ -118,8 +120,12 @@ LiveDetection::Result LiveDetection::take(DetectionRun& run, int skippedFrames)
     });
     QObject::connect(&m_context.interruption, &Interruption::interrupted, &loop,
                      [&] { stop(Outcome::Interrupted, tr("Interrupted.")); });
-    silence.start();
-    loop.exec();
+    QCoreApplication::processEvents(); // the images that have waited are from before
+    if (result.outcome == Outcome::Found) {
+        dropsImages = false;
+        silence.start();
+        loop.exec();
+    }
     return result;
 }
 

@@ -21,6 +21,10 @@ class LiveDetection
     Q_DECLARE_TR_FUNCTIONS(LiveDetection)
 
 public:
+    /// Images that may still come from before a setting or a switch, behind those that waited: one
+    /// that is on its way and one that is being exposed.
+    static constexpr int FramesBeforeSettings = 2;
+
     enum class Outcome {
         Found,       ///< the list holds what was found; so it does when that is nothing
         NotDark,     ///< a frame is too bright for a covered sensor
@@ -52,12 +56,14 @@ public:
     /// Only takes the frames, for who evaluates them; runs the event loop meanwhile. The outcome is
     /// Found when they are complete.
     /// @param frames gets copies of them
+    /// @param skippedFrames images that come first and are not used; nor are those that waited for
+    ///        the event loop
     Result takeFrames(QVector<QImage>& frames, int skippedFrames);
 
     /// Takes the frames and finds the hotpixels; runs the event loop meanwhile.
     /// @param clear removes the list's user entries first
     /// @param threshold in grey levels above the mean
-    /// @param skippedFrames images that come first and are not used
+    /// @param skippedFrames as for takeFrames()
     Result run(bool clear, int threshold, int skippedFrames);
 
 private:

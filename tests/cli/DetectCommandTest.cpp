@@ -9,16 +9,19 @@
 #include "tests/cli/RecordedConsole.h"
 #include "tests/sdk/FaultyCameraSdk.h"
 
+#include <QDir>
 #include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstddef>
 #include <functional>
 #include <set>
 
@@ -132,10 +135,10 @@ public:
     {
         for (std::size_t i = 0; i < m_means.size(); ++i) {
             unsigned sum = 0;
-            for (std::size_t frame = SkippedFrames; frame < SkippedFrames + UsedFrames; ++frame) {
-                sum += frames[frame][i];
+            for (const ObservedSdk::Frame& frame : frames) {
+                sum += frame[i];
             }
-            m_means[i] = sum / UsedFrames;
+            m_means[i] = sum / static_cast<unsigned>(frames.size());
         }
         for (const int plane : {0, 1, 2, 3}) {
             std::uint64_t sum = 0;
@@ -180,7 +183,7 @@ struct FiveMegapixels
     int width = 0;
     int height = 0;
     Positions factory;
-    std::vector<ObservedSdk::Frame> frames;
+    std::vector<ObservedSdk::Frame> frames; ///< those that were used
     std::vector<KnownHotPixel> known;
     QJsonObject result;
 
@@ -198,17 +201,29 @@ struct FiveMegapixels
         factory = positionsOf(companion.run({QStringLiteral("read"), QStringLiteral("2")})
                                   .value(QStringLiteral("factory")));
         EXPECT_FALSE(factory.empty());
+        const QString saved = companion.home.filePath(QStringLiteral("used"));
+        std::vector<ObservedSdk::Frame> sent;
         result = companion.run(QStringList{QStringLiteral("detect"), QStringLiteral("2"),
-                                           QStringLiteral("--auto"), QStringLiteral("--clear")} +
+                                           QStringLiteral("--auto"), QStringLiteral("--clear"),
+                                           QStringLiteral("--save-frames"), saved} +
                                    options,
-                               [this](ObservedSdk& sdk) {
-                                   sdk.onFrame = [this, &sdk] {
-                                       frames.push_back(std::move(sdk.frames.back()));
+                               [this, &sent](ObservedSdk& sdk) {
+                                   sdk.onFrame = [this, &sent, &sdk] {
+                                       sent.push_back(std::move(sdk.frames.back()));
                                        known = sdk.knownHotPixels;
                                    };
                                });
         EXPECT_EQ(companion.status, Companion::Succeeded) << companion.errors.constData();
-        EXPECT_GE(frames.size(), SkippedFrames + UsedFrames + 1);
+        const QStringList names = QDir(saved).entryList(QDir::Files, QDir::Name);
+        for (const QString& name : names) {
+            const QImage image(saved + QLatin1Char('/') + name);
+            EXPECT_EQ(image.bytesPerLine(), width);
+            frames.emplace_back(image.constBits(), image.constBits() + image.sizeInBytes());
+        }
+        EXPECT_EQ(frames.size(), UsedFrames);
+        const auto first = std::ranges::search(sent, frames).begin();
+        EXPECT_GE(first - sent.begin(), std::ptrdiff_t{SkippedFrames});
+        EXPECT_GT(sent.end() - first, std::ptrdiff_t{UsedFrames});
     }
 
     /// The pixels whose mean is above the limit of their plane. They are all hot pixels, and which
@@ -364,6 +379,63 @@ TEST(LiveDetection, GivesUpWhenNoImagesCome)
     EXPECT_EQ(result.outcome, LiveDetection::Outcome::NoFrames);
     EXPECT_TRUE(result.message.contains(QStringLiteral("(images so far: 0, failed: ")))
         << qPrintable(result.message);
+}
+
+namespace {
+
+/// As an event thread does it.
+void letWait(Camera& camera, int event)
+{
+    EXPECT_TRUE(QMetaObject::invokeMethod(&camera, "eventReceived", Qt::QueuedConnection,
+                                          Q_ARG(int, event)));
+}
+
+} // namespace
+
+TEST(LiveDetection, UsesNoImageThatHasWaitedSinceBefore)
+{
+    DetectingCompanion companion(smallCamera(), 20);
+    RecordedConsole recorded;
+    Interruption interruption;
+    const std::vector<SdkSwitch> switches;
+    CommandContext context{[&]() -> CameraSdk& { return companion.simulated; }, switches,
+                           recorded.console(), interruption, false};
+    CameraSession session(context, QStringLiteral("1"));
+    ASSERT_TRUE(QSignalSpy(&session.camera(), &Camera::newImage).wait());
+    constexpr int Waiting = 5;
+    for (int i = 0; i < Waiting; ++i) {
+        letWait(session.camera(), camera::EventFrame);
+    }
+    BadpixelListModel list;
+    LiveDetection detection(session, list, context);
+    int images = 0;
+    QObject::connect(&session.camera(), &Camera::newImage, &session.camera(), [&] { ++images; });
+    QVector<QImage> frames;
+    EXPECT_EQ(detection.takeFrames(frames, 0).outcome, LiveDetection::Outcome::Found);
+    EXPECT_EQ(frames.size(), int{UsedFrames});
+    EXPECT_GE(images, Waiting + int{UsedFrames} + 1);
+}
+
+TEST(LiveDetection, NoticesWhatHappensWhileImagesThatHaveWaitedAreDropped)
+{
+    DetectingCompanion companion(smallCamera(), 20);
+    RecordedConsole recorded;
+    Interruption interruption;
+    ObservedSdk sdk(companion.simulated, companion.camera);
+    const std::vector<SdkSwitch> switches;
+    CommandContext context{[&]() -> CameraSdk& { return sdk; }, switches, recorded.console(),
+                           interruption, false};
+    CameraSession session(context, QStringLiteral("1"));
+    letWait(session.camera(), camera::EventFrame);
+    letWait(session.camera(), camera::EventRemoved);
+    BadpixelListModel list;
+    LiveDetection detection(session, list, context);
+    QVector<QImage> frames;
+    EXPECT_EQ(detection.takeFrames(frames, 0).outcome, LiveDetection::Outcome::Unplugged);
+
+    letWait(session.camera(), camera::EventFrame);
+    sdk.onFrame = [&] { interruption.request(); };
+    EXPECT_EQ(detection.takeFrames(frames, 0).outcome, LiveDetection::Outcome::Interrupted);
 }
 
 TEST(LiveDetection, DoesNotBeginWhenTheEndWasAskedForBefore)
