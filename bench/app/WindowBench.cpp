@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/MainWindow.h"
+#include "bench/Measuring.h"
 #include "simulator/SimulatedCameraSdk.h"
 
 #include <QAction>
@@ -16,8 +17,6 @@
 #include <QTimer>
 #include <benchmark/benchmark.h>
 
-#include <chrono>
-#include <functional>
 #include <memory>
 
 namespace {
@@ -89,16 +88,6 @@ public:
             ->findChild<QTableView*>();
     }
 
-    /// Seconds until @p act is done and what it left to the event loop as well.
-    template <typename Act>
-    static double seconds(const Act& act)
-    {
-        const auto start = std::chrono::steady_clock::now();
-        act();
-        QCoreApplication::processEvents();
-        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    }
-
     MainWindow& window() { return *m_window; }
 
 private:
@@ -114,7 +103,11 @@ void command(benchmark::State& state, void (*prepare)(OpenWindow&), void (*act)(
     for (auto _ : state) {
         prepare(window);
         QCoreApplication::processEvents();
-        state.SetIterationTime(OpenWindow::seconds([&] { act(window); }));
+        // With what it leaves to the event loop.
+        state.SetIterationTime(bench::secondsOf([&] {
+            act(window);
+            QCoreApplication::processEvents();
+        }));
     }
 }
 

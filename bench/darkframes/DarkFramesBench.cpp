@@ -2,6 +2,7 @@
 // Stacking ten frames against reading them, that is, adding up all values; and a survey of PNG
 // files against decoding them.
 
+#include "bench/Measuring.h"
 #include "darkframes/FrameFile.h"
 #include "darkframes/FrameFolder.h"
 #include "darkframes/FrameStacker.h"
@@ -12,12 +13,8 @@
 #include <QTemporaryDir>
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
 #include <numeric>
 #include <random>
-#include <vector>
 
 namespace {
 
@@ -58,20 +55,6 @@ QList<QImage> darkFrames(int width, int height, int bits)
     return frames;
 }
 
-/// Does nothing but read: words of 64 bits, of which the compiler makes vector code.
-std::uint64_t sumOfWords(const QList<QImage>& frames)
-{
-    std::uint64_t sum = 0;
-    for (const QImage& frame : frames) {
-        const auto* words = reinterpret_cast<const std::uint64_t*>(frame.constBits());
-        const auto count = static_cast<std::size_t>(frame.sizeInBytes()) / sizeof *words;
-        for (std::size_t i = 0; i < count; ++i) {
-            sum += words[i];
-        }
-    }
-    return sum;
-}
-
 /// The values themselves, one by one.
 template <typename Pixel>
 std::uint64_t sumOf(const QImage& frame)
@@ -90,32 +73,6 @@ std::uint64_t sumOfValues(const QList<QImage>& frames)
     }
     return sum;
 }
-
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
-/// Times of one kind, measured in turn with the others so that all see the same machine.
-class Times
-{
-public:
-    template <typename Call>
-    double add(Call&& call)
-    {
-        const auto start = std::chrono::steady_clock::now();
-        benchmark::DoNotOptimize(call());
-        m_seconds.push_back(
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-        return m_seconds.back();
-    }
-    [[nodiscard]] double seconds() const { return median(m_seconds); }
-
-private:
-    std::vector<double> m_seconds;
-};
 
 std::uint32_t stackAtOnce(const QList<QImage>& frames)
 {
@@ -140,21 +97,21 @@ void stacking(benchmark::State& state)
     const QList<QImage> frames =
         darkFrames(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)),
                    static_cast<int>(state.range(2)));
-    Times words;
-    Times reading;
-    Times atOnce;
-    Times asTheyCome;
+    bench::Times words;
+    bench::Times reading;
+    bench::Times atOnce;
+    bench::Times asTheyCome;
     for (auto _ : state) {
-        words.add([&] { return sumOfWords(frames); });
+        words.add([&] { return bench::sumOfWords(frames); });
         reading.add([&] { return sumOfValues(frames); });
         state.SetIterationTime(atOnce.add([&] { return stackAtOnce(frames); }));
         asTheyCome.add([&] { return stackAsTheyCome(frames); });
     }
-    state.counters["words_ms"] = words.seconds() * 1e3;
-    state.counters["read_ms"] = reading.seconds() * 1e3;
-    state.counters["stack_ms"] = atOnce.seconds() * 1e3;
+    state.counters["words_ms"] = words.milliseconds();
+    state.counters["read_ms"] = reading.milliseconds();
+    state.counters["stack_ms"] = atOnce.milliseconds();
     state.counters["to_read"] = atOnce.seconds() / reading.seconds();
-    state.counters["as_they_come_ms"] = asTheyCome.seconds() * 1e3;
+    state.counters["as_they_come_ms"] = asTheyCome.milliseconds();
     state.counters["as_they_come_to_read"] = asTheyCome.seconds() / reading.seconds();
 }
 
@@ -191,14 +148,14 @@ void surveyOfFiles(benchmark::State& state)
                               folder.filePath(darkframes::frameFileName(i)));
     }
     const QStringList files = darkframes::frameFiles({folder.path()});
-    Times decoding;
-    Times whole;
+    bench::Times decoding;
+    bench::Times whole;
     for (auto _ : state) {
         decoding.add([&] { return decode(files); });
         state.SetIterationTime(whole.add([&] { return survey(files); }));
     }
-    state.counters["decode_ms"] = decoding.seconds() * 1e3;
-    state.counters["survey_ms"] = whole.seconds() * 1e3;
+    state.counters["decode_ms"] = decoding.milliseconds();
+    state.counters["survey_ms"] = whole.milliseconds();
     state.counters["to_decode"] = whole.seconds() / decoding.seconds();
 }
 

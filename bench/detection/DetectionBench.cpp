@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "bench/Measuring.h"
 #include "detection/DetectionRun.h"
 #include "detection/HotpixelDetector.h"
 #include "hotpixel/BadpixelListModel.h"
@@ -11,12 +12,8 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <chrono>
-#include <cstddef>
-#include <cstdint>
 #include <cstdio>
 #include <random>
-#include <vector>
 
 namespace {
 
@@ -45,21 +42,6 @@ QVector<QImage> darkFrames(int width, int height, int count)
     return frames;
 }
 
-/// What cannot be avoided: each byte is read once. Words of 64 bits, of which the compiler makes
-/// vector code that does nothing but read.
-std::uint64_t sumOfWords(const QVector<QImage>& frames)
-{
-    std::uint64_t sum = 0;
-    for (const QImage& frame : frames) {
-        const auto* words = reinterpret_cast<const std::uint64_t*>(frame.constBits());
-        const auto count = static_cast<std::size_t>(frame.sizeInBytes()) / sizeof *words;
-        for (std::size_t i = 0; i < count; ++i) {
-            sum += words[i];
-        }
-    }
-    return sum;
-}
-
 int detect(int colorMode, const QVector<QImage>& frames)
 {
     BadpixelListModel list;
@@ -70,60 +52,29 @@ int detect(int colorMode, const QVector<QImage>& frames)
     return list.rowCount();
 }
 
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
-template <typename Call>
-double secondsOf(Call&& call)
-{
-    const auto start = std::chrono::steady_clock::now();
-    benchmark::DoNotOptimize(call());
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-/// Times of one kind, measured in turn with the others so that all see the same machine.
-class Times
-{
-public:
-    template <typename Call>
-    double add(Call&& call)
-    {
-        m_seconds.push_back(secondsOf(call));
-        return m_seconds.back();
-    }
-    [[nodiscard]] double seconds() const { return median(m_seconds); }
-
-private:
-    std::vector<double> m_seconds;
-};
-
 /// Arguments: width, height, colour mode.
 void detection(benchmark::State& state)
 {
     const QVector<QImage> frames =
         darkFrames(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), FrameCount);
     const auto colorMode = static_cast<int>(state.range(2));
-    Times detection;
-    Times reading;
+    bench::Times detection;
+    bench::Times reading;
 #ifdef VORN_HAS_OPENCV
-    Times openCv;
+    bench::Times openCv;
 #endif
     for (auto _ : state) {
-        reading.add([&] { return sumOfWords(frames); });
+        reading.add([&] { return bench::sumOfWords(frames); });
         state.SetIterationTime(detection.add([&] { return detect(colorMode, frames); }));
 #ifdef VORN_HAS_OPENCV
         openCv.add([&] { return detectWithOpenCv(colorMode, frames, Threshold); });
 #endif
     }
-    state.counters["detect_ms"] = detection.seconds() * 1e3;
-    state.counters["read_ms"] = reading.seconds() * 1e3;
+    state.counters["detect_ms"] = detection.milliseconds();
+    state.counters["read_ms"] = reading.milliseconds();
     state.counters["to_read"] = detection.seconds() / reading.seconds();
 #ifdef VORN_HAS_OPENCV
-    state.counters["opencv_ms"] = openCv.seconds() * 1e3;
+    state.counters["opencv_ms"] = openCv.milliseconds();
     state.counters["to_opencv"] = detection.seconds() / openCv.seconds();
 #endif
 }
@@ -133,14 +84,14 @@ void darknessCheck(benchmark::State& state)
 {
     const QVector<QImage> frames =
         darkFrames(static_cast<int>(state.range(0)), static_cast<int>(state.range(1)), 1);
-    Times check;
-    Times reading;
+    bench::Times check;
+    bench::Times reading;
     for (auto _ : state) {
-        reading.add([&] { return sumOfWords(frames); });
+        reading.add([&] { return bench::sumOfWords(frames); });
         state.SetIterationTime(check.add([&] { return DetectionRun::isDark(frames.first()); }));
     }
-    state.counters["check_ms"] = check.seconds() * 1e3;
-    state.counters["read_ms"] = reading.seconds() * 1e3;
+    state.counters["check_ms"] = check.milliseconds();
+    state.counters["read_ms"] = reading.milliseconds();
     state.counters["to_read"] = check.seconds() / reading.seconds();
 }
 

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include "bench/Measuring.h"
 #include "hotpixel/BadpixelListModel.h"
 #include "view/DisplayWidget.h"
 #include "view/Magnifier.h"
@@ -10,12 +11,9 @@
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
-#include <chrono>
-#include <cstddef>
 #include <fstream>
 #include <random>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -66,21 +64,6 @@ QImage convertAndMark(const QImage& frame, const BadpixelListModel& model)
     return picture;
 }
 
-double median(std::vector<double> values)
-{
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
-}
-
-template <typename Call>
-double secondsOf(Call&& call)
-{
-    const auto start = std::chrono::steady_clock::now();
-    call();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 /// Times redraws of a display at `scale` in turn with `reference`, which makes the same picture
 /// with the toolkit alone, and reports the medians and their ratio.
 template <typename Reference>
@@ -97,19 +80,15 @@ void redraw(benchmark::State& state, QImage::Format format, double scale, Refere
     display.setScale(scale);
     display.setImage(frame);
 
-    std::vector<double> redrawSeconds;
-    std::vector<double> referenceSeconds;
+    bench::Times redrawing;
+    bench::Times toolkit;
     while (state.KeepRunning()) {
-        referenceSeconds.push_back(
-            secondsOf([&] { benchmark::DoNotOptimize(reference(frame, model).constBits()); }));
-        redrawSeconds.push_back(secondsOf([&] { display.redrawImage(); }));
-        state.SetIterationTime(redrawSeconds.back());
+        toolkit.add([&] { return reference(frame, model); });
+        state.SetIterationTime(redrawing.add([&] { display.redrawImage(); }));
     }
-    const double referenceMedian = median(referenceSeconds);
-    const double redrawMedian = median(redrawSeconds);
-    state.counters["redraw_ms"] = redrawMedian * 1e3;
-    state.counters["reference_ms"] = referenceMedian * 1e3;
-    state.counters["ratio"] = redrawMedian / referenceMedian;
+    state.counters["redraw_ms"] = redrawing.milliseconds();
+    state.counters["reference_ms"] = toolkit.milliseconds();
+    state.counters["ratio"] = redrawing.seconds() / toolkit.seconds();
 }
 
 void redrawAtScaleOne(benchmark::State& state, QImage::Format format)
@@ -164,7 +143,7 @@ void redrawOf20Megapixels(benchmark::State& state, double scale)
     std::ofstream("/proc/self/clear_refs") << 5; // the peak is counted from here on
     display.setImage(frame);
     for (auto _ : state) {
-        state.SetIterationTime(secondsOf([&] { display.setImage(frame); }));
+        state.SetIterationTime(bench::secondsOf([&] { display.setImage(frame); }));
     }
     const double shown = 4.0 * LargeWidth * LargeHeight * scale * scale;
     state.counters["memory"] = (memoryOf("VmHWM") - before) / shown;
