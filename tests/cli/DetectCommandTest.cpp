@@ -221,7 +221,7 @@ struct FiveMegapixels
             frames.emplace_back(image.constBits(), image.constBits() + image.sizeInBytes());
         }
         EXPECT_EQ(frames.size(), UsedFrames);
-        const auto first = std::ranges::search(sent, frames).begin();
+        const auto first = std::search(sent.begin(), sent.end(), frames.begin(), frames.end());
         EXPECT_GE(first - sent.begin(), std::ptrdiff_t{SkippedFrames});
         EXPECT_GT(sent.end() - first, std::ptrdiff_t{UsedFrames});
     }
