@@ -362,26 +362,25 @@ TEST(DetectCommand, FailsWithTheCamerasTextWhenAListCantBeRead)
     }
 }
 
-TEST(LiveDetection, GivesUpWhenNoImagesCome)
+namespace {
+
+/// A small covered camera that a command has opened, with all that a LiveDetection needs but its
+/// list.
+struct OpenCamera
 {
-    DetectingCompanion companion(smallCamera(), 1);
+    explicit OpenCamera(double speed)
+        : companion(smallCamera(), speed)
+    {}
+
+    DetectingCompanion companion;
+    ObservedSdk sdk{companion.simulated, companion.camera};
     RecordedConsole recorded;
     Interruption interruption;
-    const std::vector<SdkSwitch> switches;
-    CommandContext context{[&]() -> CameraSdk& { return companion.simulated; }, switches,
-                           recorded.console(), interruption, false};
-    CameraSession session(context, QStringLiteral("1"));
-    companion.simulated.control(companion.camera.serial).setDropFrames(true);
-    BadpixelListModel list;
-    LiveDetection detection(session, list, context);
-    detection.setLeastPatience(std::chrono::milliseconds(100));
-    const LiveDetection::Result result = detection.run(false, 40, 0);
-    EXPECT_EQ(result.outcome, LiveDetection::Outcome::NoFrames);
-    EXPECT_TRUE(result.message.contains(QStringLiteral("(images so far: 0, failed: ")))
-        << qPrintable(result.message);
-}
-
-namespace {
+    std::vector<SdkSwitch> switches;
+    CommandContext context{[this]() -> CameraSdk& { return sdk; }, switches, recorded.console(),
+                           interruption, false};
+    CameraSession session{context, QStringLiteral("1")};
+};
 
 /// As an event thread does it.
 void letWait(Camera& camera, int event)
@@ -392,24 +391,32 @@ void letWait(Camera& camera, int event)
 
 } // namespace
 
+TEST(LiveDetection, GivesUpWhenNoImagesCome)
+{
+    OpenCamera open(1);
+    open.companion.simulated.control(open.companion.camera.serial).setDropFrames(true);
+    BadpixelListModel list;
+    LiveDetection detection(open.session, list, open.context);
+    detection.setLeastPatience(std::chrono::milliseconds(100));
+    const LiveDetection::Result result = detection.run(false, 40, 0);
+    EXPECT_EQ(result.outcome, LiveDetection::Outcome::NoFrames);
+    EXPECT_TRUE(result.message.contains(QStringLiteral("(images so far: 0, failed: ")))
+        << qPrintable(result.message);
+}
+
 TEST(LiveDetection, UsesNoImageThatHasWaitedSinceBefore)
 {
-    DetectingCompanion companion(smallCamera(), 20);
-    RecordedConsole recorded;
-    Interruption interruption;
-    const std::vector<SdkSwitch> switches;
-    CommandContext context{[&]() -> CameraSdk& { return companion.simulated; }, switches,
-                           recorded.console(), interruption, false};
-    CameraSession session(context, QStringLiteral("1"));
-    ASSERT_TRUE(QSignalSpy(&session.camera(), &Camera::newImage).wait());
+    OpenCamera open(20);
+    ASSERT_TRUE(QSignalSpy(&open.session.camera(), &Camera::newImage).wait());
     constexpr int Waiting = 5;
     for (int i = 0; i < Waiting; ++i) {
-        letWait(session.camera(), camera::EventFrame);
+        letWait(open.session.camera(), camera::EventFrame);
     }
     BadpixelListModel list;
-    LiveDetection detection(session, list, context);
+    LiveDetection detection(open.session, list, open.context);
     int images = 0;
-    QObject::connect(&session.camera(), &Camera::newImage, &session.camera(), [&] { ++images; });
+    QObject::connect(&open.session.camera(), &Camera::newImage, &open.session.camera(),
+                     [&] { ++images; });
     QVector<QImage> frames;
     EXPECT_EQ(detection.takeFrames(frames, 0).outcome, LiveDetection::Outcome::Found);
     EXPECT_EQ(frames.size(), int{UsedFrames});
@@ -418,38 +425,25 @@ TEST(LiveDetection, UsesNoImageThatHasWaitedSinceBefore)
 
 TEST(LiveDetection, NoticesWhatHappensWhileImagesThatHaveWaitedAreDropped)
 {
-    DetectingCompanion companion(smallCamera(), 20);
-    RecordedConsole recorded;
-    Interruption interruption;
-    ObservedSdk sdk(companion.simulated, companion.camera);
-    const std::vector<SdkSwitch> switches;
-    CommandContext context{[&]() -> CameraSdk& { return sdk; }, switches, recorded.console(),
-                           interruption, false};
-    CameraSession session(context, QStringLiteral("1"));
-    letWait(session.camera(), camera::EventFrame);
-    letWait(session.camera(), camera::EventRemoved);
+    OpenCamera open(20);
+    letWait(open.session.camera(), camera::EventFrame);
+    letWait(open.session.camera(), camera::EventRemoved);
     BadpixelListModel list;
-    LiveDetection detection(session, list, context);
+    LiveDetection detection(open.session, list, open.context);
     QVector<QImage> frames;
     EXPECT_EQ(detection.takeFrames(frames, 0).outcome, LiveDetection::Outcome::Unplugged);
 
-    letWait(session.camera(), camera::EventFrame);
-    sdk.onFrame = [&] { interruption.request(); };
+    letWait(open.session.camera(), camera::EventFrame);
+    open.sdk.onFrame = [&] { open.interruption.request(); };
     EXPECT_EQ(detection.takeFrames(frames, 0).outcome, LiveDetection::Outcome::Interrupted);
 }
 
 TEST(LiveDetection, DoesNotBeginWhenTheEndWasAskedForBefore)
 {
-    DetectingCompanion companion(smallCamera(), 1);
-    RecordedConsole recorded;
-    Interruption interruption;
-    const std::vector<SdkSwitch> switches;
-    CommandContext context{[&]() -> CameraSdk& { return companion.simulated; }, switches,
-                           recorded.console(), interruption, false};
-    CameraSession session(context, QStringLiteral("1"));
-    interruption.request();
+    OpenCamera open(1);
+    open.interruption.request();
     BadpixelListModel list;
-    EXPECT_EQ(LiveDetection(session, list, context).run(false, 40, 0).outcome,
+    EXPECT_EQ(LiveDetection(open.session, list, open.context).run(false, 40, 0).outcome,
               LiveDetection::Outcome::Interrupted);
 }
 
