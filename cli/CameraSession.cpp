@@ -28,8 +28,7 @@ constexpr auto SettingsFile = "./VornHotpixelEditor.ini"; ///< as Camera::open()
 QString cli::cameraText(const CameraItem& camera)
 {
     return CameraSession::tr("%1, SerNo %2, Dev %3")
-        .arg(camera.model, camera.serNo)
-        .arg(camera.devId);
+        .arg(camera.model, camera.serNo, QString::number(camera.devId));
 }
 
 QJsonObject cli::cameraObject(const CameraItem& camera)

@@ -82,10 +82,8 @@ public:
         const double read = given->toDouble(&isNumber);
         if (!isNumber || !(read >= least && read <= most)) {
             refuse(Text::tr("[%1] %2 must be a number from %3 to %4, not \"%5\"")
-                       .arg(shown(m_name), QLatin1String(key))
-                       .arg(least)
-                       .arg(most)
-                       .arg(shown(*given)));
+                       .arg(shown(m_name), QLatin1String(key), QString::number(least),
+                            QString::number(most), shown(*given)));
         }
         value = read;
     }
@@ -101,10 +99,8 @@ public:
         const qint64 read = given->toLongLong(&isNumber);
         if (!isNumber || read < least || read > most) {
             refuse(Text::tr("[%1] %2 must be a whole number from %3 to %4, not \"%5\"")
-                       .arg(shown(m_name), QLatin1String(key))
-                       .arg(least)
-                       .arg(most)
-                       .arg(shown(*given)));
+                       .arg(shown(m_name), QLatin1String(key), QString::number(least),
+                            QString::number(most), shown(*given)));
         }
         value = static_cast<Integer>(read);
     }

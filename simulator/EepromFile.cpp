@@ -193,7 +193,7 @@ QString EepromFile::keepAside() const
 {
     constexpr int Most = 1000;
     for (int number = 1; number < Most; ++number) {
-        const QString name = QStringLiteral("%1.damaged-%2").arg(m_fileName).arg(number);
+        const QString name = m_fileName + QStringLiteral(".damaged-%1").arg(number);
         if (!QFileInfo::exists(name)) {
             return QFile::rename(m_fileName, name) ? name : QString();
         }

@@ -61,11 +61,8 @@ QByteArray readFrame(const QString& fileName, int width, int height)
     }
     if (image.width() != width || image.height() != height) {
         refuse(Text::tr("%1: %2 x %3 pixels instead of %4 x %5")
-                   .arg(fileName)
-                   .arg(image.width())
-                   .arg(image.height())
-                   .arg(width)
-                   .arg(height));
+                   .arg(fileName, QString::number(image.width()), QString::number(image.height()),
+                        QString::number(width), QString::number(height)));
     }
     QByteArray bytes;
     bytes.reserve(qsizetype{width} * height);
@@ -97,8 +94,7 @@ RecordedFrames::RecordedFrames(const QString& folder, int width, int height)
     }
     if (files.size() * qint64{width} * height > MostBytes) {
         refuse(Text::tr("The recorded frames in %1 take more than %2 MB.")
-                   .arg(folder)
-                   .arg(MostBytes >> 20));
+                   .arg(folder, QString::number(MostBytes >> 20)));
     }
     for (const QFileInfo& file : files) {
         m_frames.push_back(readFrame(file.filePath(), width, height));

@@ -197,6 +197,10 @@ TEST_F(SettingsFile, WithAMistakeGivesOneClearMessageAndTheBuiltInCameras)
          "[camera?1] width must be a whole number from 4 to 16384, not \"wide\""},
         {"[a123456789b123456789c123456789d123456789e12]\nfocus=1\n",
          "[a123456789b123456789c123456789d123456789] is neither [bus] nor a camera"},
+        {"[camera%253]\nwidth=wide\n",
+         "[camera%3] width must be a whole number from 4 to 16384, not \"wide\""},
+        {"[camera%253]\nexposure=nan\n",
+         "[camera%3] exposure must be a number from 0.001 to 1e+06, not \"nan\""},
     };
     for (const auto& mistake : mistakes) {
         EXPECT_EQ(complaint(mistake.text), mistake.complaint);

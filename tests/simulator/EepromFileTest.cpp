@@ -113,6 +113,14 @@ TEST_F(EepromFiles, ADamagedOneIsKeptAside)
     EXPECT_EQ(bytesOf(m_file.fileName() + QStringLiteral(".damaged-2")), "second");
 }
 
+TEST_F(EepromFiles, ADamagedOneIsKeptInItsOwnFolderWhateverThatIsCalled)
+{
+    const EepromFile file(m_folder.filePath(QStringLiteral("100 %2/A1.eeprom")));
+    file.write(sample(5, 2));
+    EXPECT_EQ(file.keepAside(), file.fileName() + QStringLiteral(".damaged-1"));
+    EXPECT_FALSE(file.exists());
+}
+
 TEST_F(EepromFiles, LeftoversAreRemovedAndNothingElse)
 {
     m_file.write(sample(5, 2));

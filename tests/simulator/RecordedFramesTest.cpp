@@ -98,7 +98,7 @@ TEST(RecordedFrames, AnEmptyOrMissingFolderIsRefused)
 TEST(RecordedFrames, WhatIsWrongWithAFileIsSaid)
 {
     const QTemporaryDir folder;
-    const QString name = folder.filePath(QStringLiteral("a.png"));
+    const QString name = folder.filePath(QStringLiteral("a %2.png"));
     const std::string prefix = name.toStdString() + ": ";
 
     ASSERT_TRUE(greyImage(0).copy(0, 0, 4, 3).save(name));
