@@ -109,6 +109,7 @@ public:
     {
         arguments.replace(QStringLiteral("DIR"), m_home.path());
         commands.clear();
+        calls.fill(0);
         frames = 0;
         RecordedConsole recorded;
         Outcome outcome;

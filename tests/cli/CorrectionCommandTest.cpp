@@ -49,8 +49,56 @@ protected:
         return std::ranges::count(m_fixture.commands, camera::CorrectionOnSecond) > 0;
     }
 
+    /// Tests the correction of a camera that, once it is switched on, sends @p images images in
+    /// which @p pixel is bright all the same.
+    CameraFixture::Outcome testLit(const BadpixelEntry& pixel, int images)
+    {
+        RecordedConsole recorded;
+        Companion companion(
+            [&] { return std::make_unique<LitSdk>(m_fixture.simulated(), pixel, images); }, {},
+            recorded.console(), m_fixture.interruption());
+        const int status =
+            companion.run({QStringLiteral("vorn-hotpixel"), QStringLiteral("correction"),
+                           QStringLiteral("1"), QStringLiteral("test"), QStringLiteral("--auto")});
+        return {status, recorded.out(), recorded.err()};
+    }
+
     CameraFixture m_fixture;
     Entries m_list;
+
+private:
+    class LitSdk final : public FaultyCameraSdk
+    {
+    public:
+        LitSdk(CameraSdk& sdk, const BadpixelEntry& pixel, int images)
+            : FaultyCameraSdk(sdk)
+            , m_pixel(pixel)
+            , m_images(images)
+        {}
+
+        std::int32_t hotpixelCommand(Handle handle, std::int32_t command, void* buffer,
+                                     std::int32_t size) override
+        {
+            m_on = m_on || command == camera::CorrectionOnSecond;
+            return FaultyCameraSdk::hotpixelCommand(handle, command, buffer, size);
+        }
+
+        std::int32_t getFrameMemory(Handle handle, std::int32_t first, std::int32_t second,
+                                    char** memory) override
+        {
+            const std::int32_t result =
+                FaultyCameraSdk::getFrameMemory(handle, first, second, memory);
+            if (result == 0 && m_on && m_images-- > 0) {
+                (*memory)[m_pixel.y * CameraFixture::camera().width + m_pixel.x] = '\xff';
+            }
+            return result;
+        }
+
+    private:
+        BadpixelEntry m_pixel;
+        int m_images;
+        bool m_on = false;
+    };
 };
 
 } // namespace
@@ -104,6 +152,24 @@ TEST_F(CameraCorrection, ThatDoesNothingIsFoundOut)
     EXPECT_TRUE(recorded.err().startsWith("vorn-hotpixel: The camera does not correct "))
         << recorded.err().constData();
     EXPECT_TRUE(recorded.err().contains(" hot listed pixels.\n"));
+}
+
+// A pixel that flickers may be bright while the correction is on, and was not hot without it.
+TEST_F(CameraCorrection, IsNotDoubtedForAPixelThatWasNotHotWithoutIt)
+{
+    m_list.push_back({31, 21, UserPixel});
+    m_fixture.setUser(m_list);
+    const auto tested = testLit(m_list.back(), 1000);
+    EXPECT_EQ(tested.status, 0);
+    EXPECT_EQ(tested.err, QByteArray());
+    EXPECT_TRUE(tested.out.contains("  255.0\n")) << tested.out.constData();
+}
+
+TEST_F(CameraCorrection, IsNotDoubtedForTheImagesThatWereExposedWithoutIt)
+{
+    const auto tested = testLit(m_list.front(), 2);
+    EXPECT_EQ(tested.status, 0);
+    EXPECT_EQ(tested.err, QByteArray());
 }
 
 TEST_F(CameraCorrection, IsNotProvenByPixelsThatAreNotHot)

@@ -90,6 +90,15 @@ TEST_F(DryRun, ShowsWhatAnEmptyListRemovesAndRefusesIt)
     expectUntouched();
 }
 
+TEST_F(DryRun, OfAnEmptyListForACameraWithoutEntriesHasNothingToRefuse)
+{
+    m_fixture.setUser({});
+    m_fixture.write(QStringLiteral("empty.txt"), "");
+    const auto shown = m_fixture.run(QStringLiteral("write 1 DIR/empty.txt --dry-run"));
+    EXPECT_EQ(shown.status, 0) << shown.err.constData();
+    EXPECT_TRUE(shown.out.contains("No pixel is added or removed.\n"));
+}
+
 TEST_F(DryRun, OfADetectionEndsBeforeTheWrite)
 {
     const auto shown =

@@ -3,6 +3,7 @@
 
 #include "camera/Camera.h"
 #include "hotpixel/BadpixelListFile.h"
+#include "tests/cli/RecordedConsole.h"
 #include "tests/sdk/EepromSdk.h"
 
 #include <QDir>
@@ -108,6 +109,20 @@ TEST(GuardedWrite, RefusesAListThatIsLongerThanTheCapacity)
               QStringLiteral("The list has 2 user entries, but the camera can store 1 at most."));
     EXPECT_EQ(fixture.sdk.writes, 0);
     EXPECT_TRUE(filesIn(fixture.folder()).isEmpty());
+}
+
+// What a camera's maker has put there, a detection has not.
+TEST(GuardedWrite, NotesUserEntriesBesideTheSensorOnly)
+{
+    RecordedConsole recorded;
+    cli::noteEntriesBeside(Entries{{64, 3, FactoryPixel}, {63, 3, UserPixel}, {65, 3, UserPixel}},
+                           64, recorded.console());
+    EXPECT_EQ(recorded.err(), QByteArray());
+    cli::noteEntriesBeside(Entries{{64, 3, FactoryPixel}, {64, 4, UserPixel}}, 64,
+                           recorded.console());
+    EXPECT_EQ(recorded.err(),
+              QByteArray("Note: 1 entry at x = 64, behind the sensor's last column, "
+                         "as a detection lists them.\n"));
 }
 
 TEST(GuardedWrite, FillsTheCameraToItsCapacity)

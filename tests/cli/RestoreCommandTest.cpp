@@ -191,6 +191,16 @@ TEST_F(Restore, OfADamagedCopyEndsWithALine)
     EXPECT_TRUE(m_fixture.user().empty());
 }
 
+// Which takes a second or more, and may be what another program waits for.
+TEST_F(Restore, OfADamagedCopyThatIsNamedDoesNotOpenTheCamera)
+{
+    copy("S1-user-list-20990101-000000.txt", "10 10 1\n20 20 1");
+    const auto failed =
+        m_fixture.run(QStringLiteral("restore 1 S1-user-list-20990101-000000.txt --yes"));
+    EXPECT_EQ(failed.status, 1);
+    EXPECT_EQ(m_fixture.calls[static_cast<std::size_t>(SdkOperation::InitCamera)], 0);
+}
+
 TEST_F(Restore, OfAListThatDoesNotFitEndsWithALine)
 {
     QByteArray lines;
