@@ -61,6 +61,23 @@ protected:
 
 } // namespace
 
+// Rows of images in memory begin at multiples of four bytes.
+TEST(CheckOfACamera, SeesTheRightPixelsWhereTheWidthIsNoMultipleOfFour)
+{
+    CameraDescription description = CameraFixture::camera();
+    description.width = 66;
+    CameraFixture fixture(description);
+    const auto made = fixture.run(QStringLiteral("detect 1 --auto --clear --write --yes"));
+    ASSERT_EQ(made.status, 0) << made.err.constData();
+    const Entries found = fixture.user();
+    const Entries hot = fixture.hotPixels();
+    EXPECT_GE(found.size(), 4U);
+    for (const BadpixelEntry& entry : found) {
+        EXPECT_TRUE(std::ranges::find(hot, entry) != hot.end()) << entry.x << ", " << entry.y;
+    }
+    EXPECT_EQ(fixture.run(QStringLiteral("check 1 --auto")).status, 0);
+}
+
 TEST_F(Check, FindsAListRightThatWasJustMade)
 {
     const auto checked = m_fixture.run(QStringLiteral("check 1 --auto"));

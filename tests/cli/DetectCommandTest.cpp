@@ -426,10 +426,13 @@ TEST(LiveDetection, UsesNoImageThatHasWaitedSinceBefore)
 TEST(LiveDetection, NoticesWhatHappensWhileImagesThatHaveWaitedAreDropped)
 {
     OpenCamera open(20);
+    // No other image comes that could end the wait.
+    open.companion.simulated.control(open.companion.camera.serial).setDropFrames(true);
     letWait(open.session.camera(), camera::EventFrame);
     letWait(open.session.camera(), camera::EventRemoved);
     BadpixelListModel list;
     LiveDetection detection(open.session, list, open.context);
+    detection.setLeastPatience(std::chrono::milliseconds(100));
     QVector<QImage> frames;
     EXPECT_EQ(detection.takeFrames(frames, 0).outcome, LiveDetection::Outcome::Unplugged);
 

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Commands that were given several cameras, or all.
 
+#include "cli/SeveralCameras.h"
+
+#include "cli/Command.h"
 #include "cli/Companion.h"
 #include "cli/Interruption.h"
 #include "hotpixel/BadpixelListFile.h"
@@ -8,6 +11,7 @@
 #include "tests/cli/RecordedConsole.h"
 #include "tests/sdk/FaultyCameraSdk.h"
 
+#include <QCommandLineParser>
 #include <QDir>
 #include <QFile>
 #include <QJsonArray>
@@ -224,6 +228,61 @@ TEST_F(SeveralCameras, CanBePulledBeforeItIsTheirTurn)
     EXPECT_EQ(run(QStringLiteral("read 1 3")), Companion::CommandFailed);
     EXPECT_TRUE(m_err.startsWith("3: The camera is not connected any more.\n"))
         << m_err.constData();
+}
+
+// One that is plugged in meanwhile may have the Dev number of one that has gone.
+TEST_F(SeveralCameras, AreKnownByTheirSerialNumbersToo)
+{
+    class Exchanging final : public FaultyCameraSdk
+    {
+    public:
+        using FaultyCameraSdk::FaultyCameraSdk;
+        std::int32_t initCamera(Handle* handle, void* window) override
+        {
+            m_isExchanged = true;
+            return FaultyCameraSdk::initCamera(handle, window);
+        }
+        std::int32_t getCameraList(CameraList* list) override
+        {
+            const std::int32_t result = FaultyCameraSdk::getCameraList(list);
+            if (m_isExchanged) {
+                for (std::uint32_t i = 0; i < list->count; ++i) {
+                    list->entries[i].serNo[0] = 'T'; // instead of S
+                }
+            }
+            return result;
+        }
+
+    private:
+        bool m_isExchanged = false;
+    };
+    RecordedConsole recorded;
+    Interruption interruption;
+    Companion companion([&] { return std::make_unique<Exchanging>(m_simulated); }, {},
+                        recorded.console(), interruption);
+    EXPECT_EQ(companion.run({QStringLiteral("vorn-hotpixel"), QStringLiteral("read"),
+                             QStringLiteral("1"), QStringLiteral("3")}),
+              Companion::CommandFailed);
+    EXPECT_TRUE(recorded.err().startsWith("3: The camera is not connected any more.\n"))
+        << recorded.err().constData();
+}
+
+TEST_F(SeveralCameras, EndWithTheGreatestStatusOfTheirTurns)
+{
+    Command command;
+    command.run = [](const QStringList& values, const QCommandLineParser& /*parser*/,
+                     CommandContext& context) {
+        context.status = values.front() == QLatin1String("1") ? 3 : 0;
+    };
+    RecordedConsole recorded;
+    Interruption interruption;
+    const std::vector<SdkSwitch> switches;
+    CommandContext context{[this]() -> CameraSdk& { return m_simulated; }, switches,
+                           recorded.console(), interruption, false};
+    const QCommandLineParser parser;
+    cli::runForEach(command, {QStringLiteral("1"), QStringLiteral("3")}, {}, parser, context);
+    EXPECT_EQ(context.status, 3);
+    EXPECT_TRUE(recorded.out().contains("S3      Small  done")) << recorded.out().constData();
 }
 
 TEST_F(SeveralCameras, AreNotBegunOnceTheEndIsAskedFor)

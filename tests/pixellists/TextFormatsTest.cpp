@@ -121,7 +121,7 @@ TEST(DcrawFormat, HasATimeThatMeansAlways)
 TEST(DcrawFormat, NeedsAllThreeNumbers)
 {
     EXPECT_EQ(readText("dcraw", "12 345 0\n640 2 1268085452 \n").pixels, Two);
-    for (const char* line : {"12 345", "12", "12 345 x", "12,345,0", "a # 1 2 3"}) {
+    for (const char* line : {"12 345", "12", "12 345 x", "12 345 0,5", "12,345,0", "a # 1 2 3"}) {
         EXPECT_TRUE(refusal("dcraw", QByteArray("1 2 0\n") + line + "\n")
                         .startsWith(QStringLiteral("LIST, line 2: expected x, y and a time")))
             << line;
