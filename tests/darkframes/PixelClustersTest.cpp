@@ -101,6 +101,14 @@ TEST(PixelClusters, TouchTheNextPixelOfTheSameColourOnBayerSensors)
     EXPECT_TRUE(clustersOf({"#....", ".....", ".....", ".....", "....#"}, Mosaic::bayer()).empty());
 }
 
+// With nothing hot in the plane between, the last row of one and the first of the next follow each
+// other.
+TEST(PixelClusters, DoNotReachIntoTheSameRowOfAnotherPlane)
+{
+    EXPECT_EQ(clustersOf({"....#.", "......", "..#..#"}, Mosaic::bayer()),
+              (std::vector<Box>{{2, 2, 0, 4, 2}}));
+}
+
 TEST(PixelClusters, DoNotReachAroundTheEndOfARow)
 {
     EXPECT_TRUE(clustersOf({"...#", "#..."}, Mosaic::mono()).empty());

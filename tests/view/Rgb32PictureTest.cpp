@@ -38,6 +38,20 @@ TEST(Rgb32Picture, IsWhatTheToolkitMakesOfAnyFormat)
     }
 }
 
+// The toolkit compares such images without their fourth bytes, and draws with them.
+TEST(Rgb32Picture, IsOpaqueWhateverTheTableSays)
+{
+    const QList<QRgb> few{qRgb(1, 2, 3), qRgba(9, 8, 7, 100)};
+    QImage memory;
+    const QImage picture = view::toRgb32(indexed(few), memory);
+    for (int y = 0; y < picture.height(); ++y) {
+        const auto* const line = reinterpret_cast<const QRgb*>(picture.constScanLine(y));
+        for (int x = 0; x < picture.width(); ++x) {
+            ASSERT_EQ(qAlpha(line[x]), 255) << x << ", " << y;
+        }
+    }
+}
+
 TEST(Rgb32Picture, TakesTheMemoryThatFitsAndNoOther)
 {
     QImage memory(37, 11, QImage::Format_RGB32);
