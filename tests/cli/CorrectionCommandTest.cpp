@@ -49,13 +49,13 @@ protected:
         return std::ranges::count(m_fixture.commands, camera::CorrectionOnSecond) > 0;
     }
 
-    /// Tests the correction of a camera that, once it is switched on, sends @p images images in
-    /// which @p pixel is bright all the same.
-    CameraFixture::Outcome testLit(const BadpixelEntry& pixel, int images)
+    /// Tests the correction by an Sdk that is made of the simulated one and @p arguments.
+    template <typename Sdk, typename... Arguments>
+    CameraFixture::Outcome testBy(const Arguments&... arguments)
     {
         RecordedConsole recorded;
         Companion companion(
-            [&] { return std::make_unique<LitSdk>(m_fixture.simulated(), pixel, images); }, {},
+            [&] { return std::make_unique<Sdk>(m_fixture.simulated(), arguments...); }, {},
             recorded.console(), m_fixture.interruption());
         const int status =
             companion.run({QStringLiteral("vorn-hotpixel"), QStringLiteral("correction"),
@@ -66,7 +66,8 @@ protected:
     CameraFixture m_fixture;
     Entries m_list;
 
-private:
+    /// That of a camera which, once its correction is on, sends some images in which a pixel is
+    /// bright all the same.
     class LitSdk final : public FaultyCameraSdk
     {
     public:
@@ -142,16 +143,11 @@ TEST_F(CameraCorrection, ThatDoesNothingIsFoundOut)
             return on ? 0 : FaultyCameraSdk::hotpixelCommand(handle, command, buffer, size);
         }
     };
-    RecordedConsole recorded;
-    Companion companion([this] { return std::make_unique<Idle>(m_fixture.simulated()); }, {},
-                        recorded.console(), m_fixture.interruption());
-    EXPECT_EQ(
-        companion.run({QStringLiteral("vorn-hotpixel"), QStringLiteral("correction"),
-                       QStringLiteral("1"), QStringLiteral("test"), QStringLiteral("--auto")}),
-        Companion::CommandFailed);
-    EXPECT_TRUE(recorded.err().startsWith("vorn-hotpixel: The camera does not correct "))
-        << recorded.err().constData();
-    EXPECT_TRUE(recorded.err().contains(" hot listed pixels.\n"));
+    const auto tested = testBy<Idle>();
+    EXPECT_EQ(tested.status, Companion::CommandFailed);
+    EXPECT_TRUE(tested.err.startsWith("vorn-hotpixel: The camera does not correct "))
+        << tested.err.constData();
+    EXPECT_TRUE(tested.err.contains(" hot listed pixels.\n"));
 }
 
 // A pixel that flickers may be bright while the correction is on, and was not hot without it.
@@ -159,7 +155,7 @@ TEST_F(CameraCorrection, IsNotDoubtedForAPixelThatWasNotHotWithoutIt)
 {
     m_list.push_back({31, 21, UserPixel});
     m_fixture.setUser(m_list);
-    const auto tested = testLit(m_list.back(), 1000);
+    const auto tested = testBy<LitSdk>(m_list.back(), 1000);
     EXPECT_EQ(tested.status, 0);
     EXPECT_EQ(tested.err, QByteArray());
     EXPECT_TRUE(tested.out.contains("  255.0\n")) << tested.out.constData();
@@ -167,7 +163,7 @@ TEST_F(CameraCorrection, IsNotDoubtedForAPixelThatWasNotHotWithoutIt)
 
 TEST_F(CameraCorrection, IsNotDoubtedForTheImagesThatWereExposedWithoutIt)
 {
-    const auto tested = testLit(m_list.front(), 2);
+    const auto tested = testBy<LitSdk>(m_list.front(), 2);
     EXPECT_EQ(tested.status, 0);
     EXPECT_EQ(tested.err, QByteArray());
 }

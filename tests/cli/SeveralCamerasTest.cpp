@@ -41,13 +41,15 @@ CameraDescription cameraOf(const char* serial, std::uint32_t devId)
     return camera;
 }
 
-/// Calls what a test wants whenever a camera is opened.
-class OpeningsSdk final : public FaultyCameraSdk
+/// Calls what a test wants whenever a camera is opened, and when the list of cameras is there.
+class WatchedSdk final : public FaultyCameraSdk
 {
 public:
-    OpeningsSdk(CameraSdk& sdk, std::function<void()> onOpen)
+    WatchedSdk(CameraSdk& sdk, std::function<void()> onOpen,
+               std::function<void(CameraList&)> onList)
         : FaultyCameraSdk(sdk)
         , m_onOpen(std::move(onOpen))
+        , m_onList(std::move(onList))
     {}
 
     std::int32_t initCamera(Handle* handle, void* window) override
@@ -56,8 +58,16 @@ public:
         return FaultyCameraSdk::initCamera(handle, window);
     }
 
+    std::int32_t getCameraList(CameraList* list) override
+    {
+        const std::int32_t result = FaultyCameraSdk::getCameraList(list);
+        m_onList(*list);
+        return result;
+    }
+
 private:
     std::function<void()> m_onOpen;
+    std::function<void(CameraList&)> m_onList;
 };
 
 /// The companion on three cameras; the second one is in use.
@@ -80,7 +90,8 @@ protected:
         Interruption interruption;
         Companion companion(
             [&] {
-                return std::make_unique<OpeningsSdk>(m_simulated, [&] { m_onOpen(interruption); });
+                return std::make_unique<WatchedSdk>(
+                    m_simulated, [&] { m_onOpen(interruption); }, m_onList);
             },
             {}, recorded.console(), interruption);
         const int status =
@@ -118,6 +129,7 @@ protected:
     SimulatedCameraSdk m_simulated{
         {{cameraOf("S1", 1), cameraOf("S2", 2), cameraOf("S3", 3)}, 40, path("eeprom"), {}}};
     std::function<void(Interruption&)> m_onOpen = [](Interruption&) {};
+    std::function<void(CameraList&)> m_onList = [](CameraList&) {};
     QByteArray m_out;
     QByteArray m_err;
 };
@@ -233,38 +245,16 @@ TEST_F(SeveralCameras, CanBePulledBeforeItIsTheirTurn)
 // One that is plugged in meanwhile may have the Dev number of one that has gone.
 TEST_F(SeveralCameras, AreKnownByTheirSerialNumbersToo)
 {
-    class Exchanging final : public FaultyCameraSdk
-    {
-    public:
-        using FaultyCameraSdk::FaultyCameraSdk;
-        std::int32_t initCamera(Handle* handle, void* window) override
-        {
-            m_isExchanged = true;
-            return FaultyCameraSdk::initCamera(handle, window);
+    bool isExchanged = false;
+    m_onOpen = [&](Interruption&) { isExchanged = true; };
+    m_onList = [&](CameraList& list) {
+        for (std::uint32_t i = 0; isExchanged && i < list.count; ++i) {
+            list.entries[i].serNo[0] = 'T'; // instead of S
         }
-        std::int32_t getCameraList(CameraList* list) override
-        {
-            const std::int32_t result = FaultyCameraSdk::getCameraList(list);
-            if (m_isExchanged) {
-                for (std::uint32_t i = 0; i < list->count; ++i) {
-                    list->entries[i].serNo[0] = 'T'; // instead of S
-                }
-            }
-            return result;
-        }
-
-    private:
-        bool m_isExchanged = false;
     };
-    RecordedConsole recorded;
-    Interruption interruption;
-    Companion companion([&] { return std::make_unique<Exchanging>(m_simulated); }, {},
-                        recorded.console(), interruption);
-    EXPECT_EQ(companion.run({QStringLiteral("vorn-hotpixel"), QStringLiteral("read"),
-                             QStringLiteral("1"), QStringLiteral("3")}),
-              Companion::CommandFailed);
-    EXPECT_TRUE(recorded.err().startsWith("3: The camera is not connected any more.\n"))
-        << recorded.err().constData();
+    EXPECT_EQ(run(QStringLiteral("read 1 3")), Companion::CommandFailed);
+    EXPECT_TRUE(m_err.startsWith("3: The camera is not connected any more.\n"))
+        << m_err.constData();
 }
 
 TEST_F(SeveralCameras, EndWithTheGreatestStatusOfTheirTurns)
